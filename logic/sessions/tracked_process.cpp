@@ -1,8 +1,10 @@
 #include "logic/sessions/tracked_process.h"
 
+#include <cmath>
 #include <utility>
 
 #include "base/json_record.h"
+#include "logic/sessions/byte_sum.h"
 #include "logic/sessions/record_json.h"
 
 namespace brindle {
@@ -90,9 +92,12 @@ std::optional<std::vector<TrackedProcess>> snapshotFrom(const JsonValue& json) {
   if (array == nullptr) return std::nullopt;
   std::vector<TrackedProcess> processes;
   processes.reserve(array->size());
+  std::uint64_t memory = 0;
   for (const JsonValue& element : *array) {
     auto process = trackedProcessFrom(element);
-    if (!process) return std::nullopt;
+    if (!process || std::abs(secondsSince1970(process->start)) > kFarthestStart) return std::nullopt;
+    if (byteSumOverflows(memory, process->footprint)) return std::nullopt;
+    memory += process->footprint;
     processes.push_back(std::move(*process));
   }
   return processes;

@@ -73,8 +73,12 @@ struct TrackedProcess {
 /// A whole snapshot as a document: an array of records in their order.
 [[nodiscard]] JsonArray snapshotToJson(const std::vector<TrackedProcess>& processes);
 
-/// None when the document is no array or one of its elements is no record: half a snapshot would show the rest as
-/// gone.
+/// Starts further from 1970 than this many seconds are not taken from outside: they are no dates of processes, and
+/// spans between them would not fit the whole seconds of reports.
+inline constexpr double kFarthestStart = 1e15;
+
+/// None when the document is no array, or one of its elements is no record (half a snapshot would show the rest as
+/// gone), or a start is beyond kFarthestStart, or all footprints together do not fit 64 bits.
 [[nodiscard]] std::optional<std::vector<TrackedProcess>> snapshotFrom(const JsonValue& json);
 
 }  // namespace brindle
