@@ -46,12 +46,16 @@ using JsonArray = std::vector<JsonValue>;
 class JsonObject {
  public:
   JsonObject();
+  /// Precondition: no key twice.
   JsonObject(std::initializer_list<JsonMember> members);
   JsonObject(const JsonObject&);
   JsonObject(JsonObject&&) noexcept;
   JsonObject& operator=(const JsonObject&);
   JsonObject& operator=(JsonObject&&) noexcept;
   ~JsonObject();
+
+  /// The members of a document: of duplicate keys the last value wins, in the place of the first.
+  [[nodiscard]] static JsonObject fromMembers(std::vector<JsonMember> members);
 
   /// The value of `key`, or null when the key is absent. Valid until the object changes.
   [[nodiscard]] const JsonValue* find(std::string_view key) const;
@@ -63,8 +67,8 @@ class JsonObject {
   bool erase(std::string_view key);
 
   [[nodiscard]] const std::vector<JsonMember>& members() const { return members_; }
-  [[nodiscard]] bool empty() const { return members_.empty(); }
-  [[nodiscard]] std::size_t size() const { return members_.size(); }
+  [[nodiscard]] bool empty() const;
+  [[nodiscard]] std::size_t size() const;
 
   bool operator==(const JsonObject&) const;
 
@@ -109,5 +113,9 @@ struct JsonMember {
 
   bool operator==(const JsonMember&) const = default;
 };
+
+// Only here is a member complete, as the vector's arithmetic needs it.
+inline bool JsonObject::empty() const { return members_.empty(); }
+inline std::size_t JsonObject::size() const { return members_.size(); }
 
 }  // namespace brindle
