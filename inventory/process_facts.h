@@ -48,8 +48,10 @@ struct ProcessFacts {
   bool reachable = false;
   /// It has a controlling terminal.
   bool hasTerminal = false;
-  /// macOS: it was started by something else than the launchd that is its parent now.
-  bool adopted = false;
+  /// Whether something else than its parent started it, where the system remembers that (macOS); absent elsewhere.
+  std::optional<bool> adopted;
+  /// Established connections to its ports.
+  int clients = 0;
   /// Those of namedVariables() that its environment holds; empty also where it may not be read.
   std::vector<NamedVariable> variables;
   /// False for a process of which only the kernel's own table was read.
