@@ -33,7 +33,7 @@ std::optional<std::vector<SessionChild>> childrenMember(const JsonObject& object
   std::vector<SessionChild> children;
   children.reserve(array->size());
   for (const JsonValue& element : *array) {
-    auto child = sessionChildFrom(element);
+    auto child = element.object() == nullptr ? std::nullopt : decodeSessionChild(*element.object());
     if (!child) return std::nullopt;
     children.push_back(std::move(*child));
   }
@@ -53,7 +53,7 @@ std::string sessionSummary(const AgentSession& session) {
   return phrases.empty() ? "Nothing else yet" : joined(phrases, ", ");
 }
 
-JsonObject toJson(const SessionChild& child) {
+JsonObject encode(const SessionChild& child) {
   JsonObject object;
   object.append("pid", child.pid);
   object.append("name", child.name);
@@ -64,10 +64,10 @@ JsonObject toJson(const SessionChild& child) {
   return object;
 }
 
-JsonObject toJson(const AgentSession& session) {
+JsonObject encode(const AgentSession& session) {
   JsonArray children;
   children.reserve(session.children.size());
-  for (const SessionChild& child : session.children) children.emplace_back(toJson(child));
+  for (const SessionChild& child : session.children) children.emplace_back(encode(child));
 
   JsonObject object;
   object.append("pid", session.pid);
@@ -84,15 +84,13 @@ JsonObject toJson(const AgentSession& session) {
   return object;
 }
 
-std::optional<SessionChild> sessionChildFrom(const JsonValue& json) {
-  const JsonObject* object = json.object();
-  if (object == nullptr) return std::nullopt;
-  const auto pid = int32Member(*object, "pid");
-  auto name = stringMember(*object, "name");
-  auto commandLine = stringMember(*object, "commandLine");
-  const auto kind = enumMember<SessionChildKind>(*object, "kind");
-  auto ports = portsMember(*object, "ports");
-  const auto footprint = uint64Member(*object, "footprint");
+std::optional<SessionChild> decodeSessionChild(const JsonObject& object) {
+  const auto pid = int32Member(object, "pid");
+  auto name = stringMember(object, "name");
+  auto commandLine = stringMember(object, "commandLine");
+  const auto kind = enumMember<SessionChildKind>(object, "kind");
+  auto ports = portsMember(object, "ports");
+  const auto footprint = uint64Member(object, "footprint");
   if (!pid || !name || !commandLine || !kind || !ports || !footprint) return std::nullopt;
   return SessionChild{.pid = *pid,
                       .name = std::move(*name),
@@ -102,29 +100,27 @@ std::optional<SessionChild> sessionChildFrom(const JsonValue& json) {
                       .footprint = *footprint};
 }
 
-std::optional<AgentSession> agentSessionFrom(const JsonValue& json) {
-  const JsonObject* object = json.object();
-  if (object == nullptr) return std::nullopt;
-  const auto pid = int32Member(*object, "pid");
-  const auto startTime = integerMember(*object, "startTime");
-  const auto start = secondsDateMember(*object, "start");
-  auto agent = stringMember(*object, "agent");
-  const auto activity = enumMember<SessionActivity>(*object, "activity");
-  const auto footprint = uint64Member(*object, "footprint");
-  auto children = childrenMember(*object);
-  auto ports = portsMember(*object, "ports");
+std::optional<AgentSession> decodeAgentSession(const JsonObject& object) {
+  const auto pid = int32Member(object, "pid");
+  const auto startTime = integerMember(object, "startTime");
+  const auto start = secondsDateMember(object, "start");
+  auto agent = stringMember(object, "agent");
+  const auto activity = enumMember<SessionActivity>(object, "activity");
+  const auto footprint = uint64Member(object, "footprint");
+  auto children = childrenMember(object);
+  auto ports = portsMember(object, "ports");
   if (!pid || !startTime || !start || !agent || !activity || !footprint || !children || !ports) return std::nullopt;
   return AgentSession{.pid = *pid,
                       .startTime = *startTime,
                       .start = *start,
                       .agent = std::move(*agent),
-                      .project = stringMember(*object, "project"),
-                      .cwd = stringMember(*object, "cwd"),
+                      .project = stringMember(object, "project"),
+                      .cwd = stringMember(object, "cwd"),
                       .activity = *activity,
                       .footprint = *footprint,
                       .children = std::move(*children),
                       .ports = std::move(*ports),
-                      .cpuPercent = realMember(*object, "cpuPercent")};
+                      .cpuPercent = realMember(object, "cpuPercent")};
 }
 
 }  // namespace brindle

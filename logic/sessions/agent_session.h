@@ -58,13 +58,13 @@ struct AgentSession {
 [[nodiscard]] std::string sessionSummary(const AgentSession& session);
 
 /// All fields in declaration order under their names; absent ones and numbers that are not finite have no key.
-[[nodiscard]] JsonObject toJson(const SessionChild& child);
-[[nodiscard]] JsonObject toJson(const AgentSession& session);
+[[nodiscard]] JsonObject encode(const SessionChild& child);
+[[nodiscard]] JsonObject encode(const AgentSession& session);
 
 /// None when a field that is not optional is missing, of another type or out of range, or a child is no record. An
 /// optional field with such a value counts as absent; unknown keys are ignored.
-[[nodiscard]] std::optional<SessionChild> sessionChildFrom(const JsonValue& json);
-[[nodiscard]] std::optional<AgentSession> agentSessionFrom(const JsonValue& json);
+[[nodiscard]] std::optional<SessionChild> decodeSessionChild(const JsonObject& object);
+[[nodiscard]] std::optional<AgentSession> decodeAgentSession(const JsonObject& object);
 
 }  // namespace brindle
 

@@ -16,7 +16,7 @@ std::unordered_map<std::int32_t, std::vector<const TrackedProcess*>> groupByPare
   return groups;
 }
 
-JsonObject toJson(const TrackedProcess& process) {
+JsonObject encode(const TrackedProcess& process) {
   JsonObject object;
   object.append("pid", process.pid);
   object.append("ppid", process.ppid);
@@ -40,19 +40,17 @@ JsonObject toJson(const TrackedProcess& process) {
   return object;
 }
 
-std::optional<TrackedProcess> trackedProcessFrom(const JsonValue& json) {
-  const JsonObject* object = json.object();
-  if (object == nullptr) return std::nullopt;
-  const auto pid = int32Member(*object, "pid");
-  const auto ppid = int32Member(*object, "ppid");
-  const auto uid = uint32Member(*object, "uid");
-  auto name = stringMember(*object, "name");
-  auto commandLine = stringMember(*object, "commandLine");
-  const auto start = secondsDateMember(*object, "start");
-  const auto startTime = integerMember(*object, "startTime");
-  const auto footprint = uint64Member(*object, "footprint");
-  auto ports = portsMember(*object, "ports");
-  const auto recordedAgentAlive = booleanMember(*object, "recordedAgentAlive");
+std::optional<TrackedProcess> decodeTrackedProcess(const JsonObject& object) {
+  const auto pid = int32Member(object, "pid");
+  const auto ppid = int32Member(object, "ppid");
+  const auto uid = uint32Member(object, "uid");
+  auto name = stringMember(object, "name");
+  auto commandLine = stringMember(object, "commandLine");
+  const auto start = secondsDateMember(object, "start");
+  const auto startTime = integerMember(object, "startTime");
+  const auto footprint = uint64Member(object, "footprint");
+  auto ports = portsMember(object, "ports");
+  const auto recordedAgentAlive = booleanMember(object, "recordedAgentAlive");
   if (!pid || !ppid || !uid || !name || !commandLine || !start || !startTime || !footprint || !ports ||
       !recordedAgentAlive) {
     return std::nullopt;
@@ -62,39 +60,39 @@ std::optional<TrackedProcess> trackedProcessFrom(const JsonValue& json) {
       .ppid = *ppid,
       .uid = *uid,
       .name = std::move(*name),
-      .path = stringMember(*object, "path"),
+      .path = stringMember(object, "path"),
       .commandLine = std::move(*commandLine),
-      .cwd = stringMember(*object, "cwd"),
+      .cwd = stringMember(object, "cwd"),
       .start = *start,
       .startTime = *startTime,
       .footprint = *footprint,
-      .cpuPercent = realMember(*object, "cpuPercent"),
+      .cpuPercent = realMember(object, "cpuPercent"),
       .ports = std::move(*ports),
-      .role = enumMember<ProcessRole>(*object, "role"),
-      .agentName = stringMember(*object, "agentName"),
-      .framework = stringMember(*object, "framework"),
-      .project = stringMember(*object, "project"),
-      .recordedAgentPID = int32Member(*object, "recordedAgentPID"),
-      .recordedAgentName = stringMember(*object, "recordedAgentName"),
+      .role = enumMember<ProcessRole>(object, "role"),
+      .agentName = stringMember(object, "agentName"),
+      .framework = stringMember(object, "framework"),
+      .project = stringMember(object, "project"),
+      .recordedAgentPID = int32Member(object, "recordedAgentPID"),
+      .recordedAgentName = stringMember(object, "recordedAgentName"),
       .recordedAgentAlive = *recordedAgentAlive,
   };
 }
 
-JsonArray snapshotToJson(const std::vector<TrackedProcess>& processes) {
+JsonArray encodeSnapshot(const std::vector<TrackedProcess>& processes) {
   JsonArray array;
   array.reserve(processes.size());
-  for (const TrackedProcess& process : processes) array.emplace_back(toJson(process));
+  for (const TrackedProcess& process : processes) array.emplace_back(encode(process));
   return array;
 }
 
-std::optional<std::vector<TrackedProcess>> snapshotFrom(const JsonValue& json) {
+std::optional<std::vector<TrackedProcess>> decodeSnapshot(const JsonValue& json) {
   const JsonArray* array = json.array();
   if (array == nullptr) return std::nullopt;
   std::vector<TrackedProcess> processes;
   processes.reserve(array->size());
   std::uint64_t memory = 0;
   for (const JsonValue& element : *array) {
-    auto process = trackedProcessFrom(element);
+    auto process = element.object() == nullptr ? std::nullopt : decodeTrackedProcess(*element.object());
     if (!process || std::abs(secondsSince1970(process->start)) > kFarthestStart) return std::nullopt;
     if (byteSumOverflows(memory, process->footprint)) return std::nullopt;
     memory += process->footprint;

@@ -64,14 +64,14 @@ struct TrackedProcess {
 
 /// All fields in declaration order under their names; absent ones have no key. JSON has no text for a number that is
 /// not finite, so its key is left out too: such a CPU figure reads back as absent, such a start as no record.
-[[nodiscard]] JsonObject toJson(const TrackedProcess& process);
+[[nodiscard]] JsonObject encode(const TrackedProcess& process);
 
 /// The record, or none when a field that is not optional is missing, of another type or out of range. An optional
 /// field with such a value counts as absent; unknown keys are ignored.
-[[nodiscard]] std::optional<TrackedProcess> trackedProcessFrom(const JsonValue& json);
+[[nodiscard]] std::optional<TrackedProcess> decodeTrackedProcess(const JsonObject& object);
 
 /// A whole snapshot as a document: an array of records in their order.
-[[nodiscard]] JsonArray snapshotToJson(const std::vector<TrackedProcess>& processes);
+[[nodiscard]] JsonArray encodeSnapshot(const std::vector<TrackedProcess>& processes);
 
 /// Starts further from 1970 than this many seconds are not taken from outside: they are no dates of processes, and
 /// spans between them would not fit the whole seconds of reports.
@@ -79,7 +79,7 @@ inline constexpr double kFarthestStart = 1e15;
 
 /// None when the document is no array, or one of its elements is no record (half a snapshot would show the rest as
 /// gone), or a start is beyond kFarthestStart, or all footprints together do not fit 64 bits.
-[[nodiscard]] std::optional<std::vector<TrackedProcess>> snapshotFrom(const JsonValue& json);
+[[nodiscard]] std::optional<std::vector<TrackedProcess>> decodeSnapshot(const JsonValue& json);
 
 }  // namespace brindle
 
