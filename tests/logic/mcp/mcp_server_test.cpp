@@ -135,9 +135,12 @@ TEST_F(MCPServerHandle, ParamsThatAreNoObjectCountAsEmpty) {
             R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"Unknown tool.","type":"text"}],"isError":true}})");
 }
 
-TEST_F(MCPServerHandle, AReplyThatCannotBeSerialisedIsAnEmptyObject) {
-  server.status = [] { return std::string("name \xff"); };
-  EXPECT_EQ(reply(R"({"id":1,"method":"tools/call","params":{"name":"status"}})"), "{}");
+TEST_F(MCPServerHandle, AReplyIsAlwaysSerialisedBrokenTextIncluded) {
+  server.status = [] { return std::string("name \xff\xc3"); };
+  EXPECT_EQ(
+      reply(R"({"id":1,"method":"tools/call","params":{"name":"status"}})"),
+      "{\"id\":1,\"jsonrpc\":\"2.0\",\"result\":{\"content\":[{\"text\":\"name \uFFFD\uFFFD\",\"type\":\"text\"}],"
+      "\"isError\":false}}");
 }
 
 TEST_F(MCPServerHandle, HostileDepthIsAParseError) {

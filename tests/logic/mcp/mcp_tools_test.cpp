@@ -92,9 +92,10 @@ TEST_F(MCPToolsCall, SafetyNamesNothingWithAnEmptyText) {
   EXPECT_EQ(logged, std::vector{entry("safety", "port 3000", "leaveAlone")});
 }
 
-TEST_F(MCPToolsCall, SafetyThatCannotBeSerialisedIsAnEmptyObject) {
-  verdict.name = "\xff";
-  EXPECT_EQ(call(R"({"name":"safety","arguments":{"pid":1}})"), (ToolAnswer{"{}", false}));
+TEST_F(MCPToolsCall, SafetyIsAlwaysSerialisedBrokenNamesIncluded) {
+  verdict = {"leaveAlone", "r", "\xff"};
+  EXPECT_EQ(call(R"({"name":"safety","arguments":{"pid":1}})"),
+            (ToolAnswer{"{\"name\":\"\uFFFD\",\"reason\":\"r\",\"verdict\":\"leaveAlone\"}", false}));
 }
 
 TEST_F(MCPToolsCall, TargetTextPrefersTheSessionThenJoinsPidAndPort) {
@@ -126,8 +127,8 @@ TEST_F(MCPToolsCall, IntegersWithin32SignedBitsCount) {
 }
 
 TEST_F(MCPToolsCall, OtherValuesCountAsNotGiven) {
-  for (const std::string value : {"2147483648", "-2147483649", "1e300", "-1e300", "1e999", "true", "false", "null",
-                                  "\"42\"", "[42]", "{\"pid\":42}", "99999999999999999999"}) {
+  for (const std::string value : {"2147483648", "-2147483649", "1e300", "-1e300", "true", "false", "null", "\"42\"",
+                                  "[42]", "{\"pid\":42}", "99999999999999999999"}) {
     EXPECT_EQ(call(R"({"name":"safety","arguments":{"pid":)" + value + "}}"),
               (ToolAnswer{"Say which pid, port or sessionPid.", true}))
         << value;
