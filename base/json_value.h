@@ -46,12 +46,16 @@ using JsonArray = std::vector<JsonValue>;
 class JsonObject {
  public:
   JsonObject();
+  /// Precondition: no key twice.
   JsonObject(std::initializer_list<JsonMember> members);
   JsonObject(const JsonObject&);
   JsonObject(JsonObject&&) noexcept;
   JsonObject& operator=(const JsonObject&);
   JsonObject& operator=(JsonObject&&) noexcept;
   ~JsonObject();
+
+  /// The members of a document: of duplicate keys the last value wins, in the place of the first.
+  [[nodiscard]] static JsonObject fromMembers(std::vector<JsonMember> members);
 
   /// The value of `key`, or null when the key is absent. Valid until the object changes.
   [[nodiscard]] const JsonValue* find(std::string_view key) const;

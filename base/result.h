@@ -30,7 +30,10 @@ template <typename T>
 using Result = tl::expected<T, Failure>;
 
 /// The result of a step that yields nothing but may fail. Never discard it: a write that failed must be seen.
-using Outcome [[nodiscard]] = tl::expected<void, Failure>;
+class [[nodiscard]] Outcome : public tl::expected<void, Failure> {
+ public:
+  using tl::expected<void, Failure>::expected;
+};
 
 /// A failure to return: `return fail(errno, "open " + path);`
 [[nodiscard]] inline tl::unexpected<Failure> fail(int code, std::string doing) {

@@ -26,6 +26,9 @@ namespace brindle {
 /// Full lower-case mapping independent of the locale; U+0130 becomes "i" and U+0307.
 [[nodiscard]] std::string lowerCase(std::string_view text);
 
+/// The bytes of the well-formed UTF-8 scalar at the start of `text`: 1 to 4, or 0 when there is none.
+[[nodiscard]] std::size_t scalarLength(std::string_view text);
+
 /// Whether every byte belongs to well-formed UTF-8 (no surrogates, no overlong forms, at most U+10FFFF).
 [[nodiscard]] bool isValidUtf8(std::string_view text);
 
