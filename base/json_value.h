@@ -114,6 +114,7 @@ struct JsonMember {
   bool operator==(const JsonMember&) const = default;
 };
 
+// Only here is a member complete, as the vector's arithmetic needs it.
 inline bool JsonObject::empty() const { return members_.empty(); }
 inline std::size_t JsonObject::size() const { return members_.size(); }
 
