@@ -51,7 +51,7 @@ NSString* appRequirement() {
     [connection setCodeSigningRequirement:_requirement];
   } @catch (NSException* exception) {
     // The system cannot read the requirement, so nobody can be known to meet it.
-    _log->error("the code requirement is malformed: " + std::string(exception.reason.UTF8String ?: "no reason given"));
+    _log->error("the code requirement is malformed: " + std::string(exception.name.UTF8String));
     return NO;
   }
   connection.exportedInterface = [NSXPCInterface interfaceWithProtocol:@protocol(BrindleHelperXPC)];
