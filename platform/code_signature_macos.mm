@@ -29,8 +29,8 @@ class Released {
 }  // namespace
 
 bool ownSignatureFits() {
-  const Released<CFStringRef> text(CFStringCreateWithCString(
-      kCFAllocatorDefault, HelperIdentity::appRequirement.data(), kCFStringEncodingUTF8));
+  const Released<CFStringRef> text(
+      CFStringCreateWithCString(kCFAllocatorDefault, HelperIdentity::appRequirement.data(), kCFStringEncodingUTF8));
   Released<SecRequirementRef> requirement;
   Released<SecCodeRef> self;
   return text.get() != nullptr &&

@@ -65,8 +65,8 @@ class XpcHelperClient final : public HelperClient {
   // The helper would take the asker for a client whose end switches sleep back on, so the system is asked instead.
   // It does not know how long sleep stays off.
   void status(StatusAnswered answered) override {
-    HelperAnswer<HelperStatus> answer =
-        tl::make_unexpected(HelperProblem{HelperProblemKind::unreachable, "the system does not tell whether sleep is off"});
+    HelperAnswer<HelperStatus> answer = tl::make_unexpected(
+        HelperProblem{HelperProblemKind::unreachable, "the system does not tell whether sleep is off"});
     if (const auto disabled = systemSleepDisabled()) answer = HelperStatus{.sleepDisabled = *disabled};
     post([answered = std::move(answered), answer = std::move(answer)](XpcHelperClient&) { answered(answer); });
   }

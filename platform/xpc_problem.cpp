@@ -33,8 +33,8 @@ HelperProblem problemOfXpcError(const XpcError& error) {
     case kXpcReplyInvalid:
       return {HelperProblemKind::unreachable, "the helper's answer cannot be read"};
     default:  // a number from the system, not an enumeration of ours
-      return {HelperProblemKind::unreachable, error.description.empty() ? "error " + std::to_string(error.code)
-                                                                        : error.description};
+      return {HelperProblemKind::unreachable,
+              error.description.empty() ? "error " + std::to_string(error.code) : error.description};
   }
 }
 
