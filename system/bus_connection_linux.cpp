@@ -35,8 +35,6 @@ std::uint64_t microseconds(Seconds span) {
   return static_cast<std::uint64_t>(std::clamp(span.count(), 1e-6, 1e6) * 1e6);
 }
 
-const char* orNull(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
-
 }  // namespace
 
 Result<BusConnection> BusConnection::openSystem() {
@@ -85,12 +83,21 @@ Result<BusWatch> BusConnection::callAsync(sd_bus_message* message, Seconds timeo
   return BusWatch(std::move(body));
 }
 
-Result<BusWatch> BusConnection::subscribe(const BusMember& signal, BusHandler handler) const {
+Result<BusWatch> BusConnection::subscribe(const BusSignalMatch& match, BusHandler handler) const {
+  std::string rule = "type='signal'";
+  const auto add = [&rule](const char* key, const std::string& value) {
+    if (!value.empty()) rule += std::string(",") + key + "='" + value + "'";
+  };
+  add("sender", match.signal.service);
+  add("path", match.signal.path);
+  add("interface", match.signal.interface);
+  add("member", match.signal.member);
+  add("arg0", match.firstArgument);
+
   auto body = std::make_unique<BusWatch::Body>(std::move(handler));
   sd_bus_slot* slot = nullptr;
-  const int code = sd_bus_match_signal(bus_.get(), &slot, orNull(signal.service), orNull(signal.path),
-                                       orNull(signal.interface), orNull(signal.member), messageCame, body.get());
-  if (code < 0) return fail(-code, "subscribe to " + signal.member);
+  const int code = sd_bus_add_match(bus_.get(), &slot, rule.c_str(), messageCame, body.get());
+  if (code < 0) return fail(-code, "subscribe to " + match.signal.member);
   body->slot.reset(slot);
   return BusWatch(std::move(body));
 }

@@ -30,12 +30,19 @@ using BusSlot = std::unique_ptr<sd_bus_slot, BusHandleDeleter>;
 using BusTrack = std::unique_ptr<sd_bus_track, BusHandleDeleter>;
 using BusCredentials = std::unique_ptr<sd_bus_creds, BusHandleDeleter>;
 
-/// Where a call goes, or which signal is meant. A signal with an empty sender is taken from anybody.
+/// Where a call goes, or which signal is meant.
 struct BusMember {
   std::string service;
   std::string path;
   std::string interface;
   std::string member;
+};
+
+/// The signals that somebody wants to hear. Empty texts match anything; none may hold an apostrophe.
+struct BusSignalMatch {
+  BusMember signal;
+  /// The first argument, a string: it spares a subscriber of NameOwnerChanged every other name's wake-ups.
+  std::string firstArgument;
 };
 
 /// An error reply: the D-Bus error's name ("org.freedesktop.DBus.Error.AccessDenied") and its text.
@@ -86,7 +93,7 @@ class BusConnection {
   /// first. Fails only when sending is impossible.
   [[nodiscard]] Result<BusWatch> callAsync(sd_bus_message* message, Seconds timeout, BusHandler handler) const;
   /// Gives every signal of that kind to `handler`. Returns when the bus has confirmed the subscription.
-  [[nodiscard]] Result<BusWatch> subscribe(const BusMember& signal, BusHandler handler) const;
+  [[nodiscard]] Result<BusWatch> subscribe(const BusSignalMatch& match, BusHandler handler) const;
   /// Owns `name` without replacing or queueing. EEXIST when somebody owns it, EACCES when the bus's policy refuses.
   Outcome requestName(const std::string& name) const;
 
