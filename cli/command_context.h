@@ -6,6 +6,7 @@
 
 #include "cli/output.h"
 #include "platform/environment.h"
+#include "platform/foreground_child.h"
 
 namespace brindle {
 
@@ -22,6 +23,8 @@ struct CommandContext {
   Output& output;
   Environment environment;
   TerminalStreams terminals;
+  /// As the process was started, for the programs it starts.
+  InheritedSignals signals = {};
 };
 
 }  // namespace brindle

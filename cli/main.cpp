@@ -32,6 +32,7 @@ void ignoreClosedPipes() {
 int main(int count, char** words) {
   using namespace brindle;
   occupyStandardStreams();
+  const InheritedSignals signals = InheritedSignals::current();
   ignoreClosedPipes();
   const Environment environment = processEnvironment();
   const TerminalStreams terminals = {.input = ::isatty(STDIN_FILENO) == 1,
@@ -43,7 +44,7 @@ int main(int count, char** words) {
   DescriptorSink remarks(STDERR_FILENO);
   Output output({.results = results, .remarks = remarks},
                 wantsColour({.terminal = terminals.output, .noColor = noColor, .term = term}));
-  CommandContext context = {.output = output, .environment = environment, .terminals = terminals};
+  CommandContext context = {.output = output, .environment = environment, .terminals = terminals, .signals = signals};
   const std::vector<std::string> arguments(words + (count > 0 ? 1 : 0), words + count);
   return runCommandLine(allCommands(), arguments, context);
 }
