@@ -21,15 +21,14 @@ namespace {
 
 std::size_t allocations = 0;
 
-/// Counts what one run of a benchmark allocates and shows it beside the time.
-class AllocationCount {
+/// Fails the benchmark when its loop allocated: the budget of time alone would not notice.
+class WithoutAllocation {
  public:
-  explicit AllocationCount(benchmark::State& state) : state_(state), before_(allocations) {}
-  AllocationCount(const AllocationCount&) = delete;
-  AllocationCount& operator=(const AllocationCount&) = delete;
-  ~AllocationCount() {
-    state_.counters["allocations"] =
-        benchmark::Counter(static_cast<double>(allocations - before_), benchmark::Counter::kAvgIterations);
+  explicit WithoutAllocation(benchmark::State& state) : state_(state), before_(allocations) {}
+  WithoutAllocation(const WithoutAllocation&) = delete;
+  WithoutAllocation& operator=(const WithoutAllocation&) = delete;
+  ~WithoutAllocation() {
+    if (allocations != before_) state_.SkipWithError("allocated");
   }
 
  private:
@@ -57,7 +56,7 @@ void revertPolicyTick(benchmark::State& state) {
   HelperRevertPolicy policy;
   benchmark::DoNotOptimize(policy.request(true, kNow, Seconds{43200}));
   Date now = kNow;
-  const AllocationCount count(state);
+  const WithoutAllocation check(state);
   for (auto _ : state) {
     now += Seconds{0.001};
     policy.heartbeat(now);
@@ -69,7 +68,7 @@ BENCHMARK(revertPolicyTick);
 void lidSleepDecision(benchmark::State& state) {
   LidSleepPolicy policy;
   const KeepAwakeStatus status = KeepAwakeHolding{{"shop"}};
-  const AllocationCount count(state);
+  const WithoutAllocation check(state);
   for (auto _ : state) benchmark::DoNotOptimize(policy.decide({true, true}, status, Seconds{3600}, kNow));
 }
 BENCHMARK(lidSleepDecision);
@@ -78,14 +77,14 @@ void keepAwakeStatus(benchmark::State& state) {
   KeepAwakePolicy policy;
   const KeepAwakeRules rules{.enabled = true};
   const PowerState power{.onBattery = true, .batteryPercent = 50};
-  const AllocationCount count(state);
+  const WithoutAllocation check(state);
   for (auto _ : state) benchmark::DoNotOptimize(policy.status(rules, {}, power, ThermalLevel::fair));
 }
 BENCHMARK(keepAwakeStatus);
 
 void planForecast(benchmark::State& state) {
   double used = 1;
-  const AllocationCount count(state);
+  const WithoutAllocation check(state);
   for (auto _ : state) {
     used = used < 99 ? used + 0.5 : 1;
     benchmark::DoNotOptimize(PlanForecast::outcome(kNow + Seconds{9000}, PlanWindowKind::session, kNow, used));
@@ -95,7 +94,7 @@ BENCHMARK(planForecast);
 
 void energyPercent(benchmark::State& state) {
   double value = 0;
-  const AllocationCount count(state);
+  const WithoutAllocation check(state);
   for (auto _ : state) benchmark::DoNotOptimize(EnergyMath::percent({value += 0.1, 200, 100}));
 }
 BENCHMARK(energyPercent);
@@ -107,7 +106,7 @@ void notifierWithNothingDue(benchmark::State& state) {
     benchmark::DoNotOptimize(notifier.handle(
         {.agent = "Codex", .kind = AgentEventKind::needsApproval, .sessionID = std::to_string(i)}, rules, kNow));
   }
-  const AllocationCount count(state);
+  const WithoutAllocation check(state);
   for (auto _ : state) benchmark::DoNotOptimize(notifier.releaseDue(kNow, rules, [](const auto&) { return true; }));
 }
 BENCHMARK(notifierWithNothingDue);
@@ -117,7 +116,6 @@ void notifierEvent(benchmark::State& state) {
   const AgentNotifyRules rules{.finished = true, .needsApproval = true};
   const AgentEvent event{.agent = "Codex", .kind = AgentEventKind::finished, .sessionID = "835f39ae-4a05"};
   Date now = kNow;
-  const AllocationCount count(state);
   for (auto _ : state) {
     now += Seconds{1};
     benchmark::DoNotOptimize(notifier.handle(event, rules, now));
@@ -131,7 +129,7 @@ void idleTrackerPass(benchmark::State& state) {
   for (int i = 0; i < 20; ++i) samples.push_back({"Codex:pid" + std::to_string(i), i % 2 == 0 ? 80.0 : 0.0});
   Date now = kNow;
   benchmark::DoNotOptimize(tracker.update(samples, now, Seconds{120}));
-  const AllocationCount count(state);
+  const WithoutAllocation check(state);
   for (auto _ : state) {
     now += Seconds{1};
     benchmark::DoNotOptimize(tracker.update(samples, now, Seconds{120}));
@@ -145,7 +143,6 @@ void hookPayloadOfOneKilobyte(benchmark::State& state) {
       R"("cwd":"/home/u/shop","hook_event_name":"Notification","message":"Claude needs your permission to use Bash",)"
       R"("title":"Permission needed","notification_type":"permission_prompt","tool_input":{"command":")";
   payload += std::string(1024 - payload.size() - 3, 'x') + "\"}}";
-  const AllocationCount count(state);
   for (auto _ : state) benchmark::DoNotOptimize(AgentEventParser::parseClaudeHook(payload, 4711, kNow));
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * payload.size()));
 }
@@ -154,7 +151,6 @@ BENCHMARK(hookPayloadOfOneKilobyte);
 void usageDocument(benchmark::State& state) {
   const std::string document = R"({"five_hour":{"utilization":42.5,"resets_at":"2026-03-01T10:00:00.123Z"},)"
                                R"("seven_day":{"utilization":7,"resets_at":"2026-03-04T10:00:00Z"}})";
-  const AllocationCount count(state);
   for (auto _ : state) benchmark::DoNotOptimize(PlanUsageParser::parse(document));
 }
 BENCHMARK(usageDocument);
