@@ -67,8 +67,8 @@ class JsonObject {
   bool erase(std::string_view key);
 
   [[nodiscard]] const std::vector<JsonMember>& members() const { return members_; }
-  [[nodiscard]] bool empty() const { return members_.empty(); }
-  [[nodiscard]] std::size_t size() const { return members_.size(); }
+  [[nodiscard]] bool empty() const;
+  [[nodiscard]] std::size_t size() const;
 
   bool operator==(const JsonObject&) const;
 
@@ -113,5 +113,9 @@ struct JsonMember {
 
   bool operator==(const JsonMember&) const = default;
 };
+
+// Only here is a member complete, as the vector's arithmetic needs it.
+inline bool JsonObject::empty() const { return members_.empty(); }
+inline std::size_t JsonObject::size() const { return members_.size(); }
 
 }  // namespace brindle
