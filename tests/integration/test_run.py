@@ -109,12 +109,13 @@ class Run(CommandCase):
 
 class Inheritance(CommandCase):
     def test_ignored_signals_stay_ignored_and_others_do_not(self):
-        script = f"trap '' HUP USR2; exec {self.program} run -- grep ^SigIgn: /proc/self/status"
-        result = subprocess.run(["sh", "-c", script], env=self.env, capture_output=True, text=True, check=True,
-                                restore_signals=True)
-        ignored = int(result.stdout.split()[1], 16)
-        expected = 1 << (signal.SIGHUP - 1) | 1 << (signal.SIGUSR2 - 1)
-        self.assertEqual(ignored, expected)
+        def ignored(prefix):
+            script = f"trap '' HUP USR2; exec {prefix} grep ^SigIgn: /proc/self/status"
+            result = subprocess.run(["sh", "-c", script], env=self.env, capture_output=True, text=True, check=True)
+            # The 31 signals of programs; two more belong to the C library, which ignores them in what it starts.
+            return int(result.stdout.split()[1], 16) & 0x7FFFFFFF
+        self.assertEqual(ignored(""), 1 << signal.SIGHUP - 1 | 1 << signal.SIGUSR2 - 1)
+        self.assertEqual(ignored(f"{self.program} run --"), ignored(""))
 
     def test_no_signal_is_blocked_in_the_command(self):
         result = self.brindle("run", "--", "grep", "^SigBlk:", "/proc/self/status")

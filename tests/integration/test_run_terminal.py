@@ -73,9 +73,8 @@ class OnATerminal(CommandCase):
     def test_a_job_in_the_background_goes_on_when_told(self):
         self.screen.run(f"{self.program} run -- sh -c 'kill -STOP $$; exit 6' &")
         self.screen.wait_for("ready> ")
-        self.screen.type("\n")
-        self.screen.wait_for("Stopped")
-        self.screen.wait_for("ready> ")
+        self.screen.run("while ! jobs | grep -q Stopped; do sleep 0.02; done; echo it has; echo stopped")
+        self.screen.wait_for("it has\r\nstopped\r\n")
         self.screen.run("bg > /dev/null; wait %1; echo status=$?")
         self.screen.wait_for("status=6\r\n")
 
