@@ -40,7 +40,10 @@ int shownStatus(const HelperAnswer<HelperStatus>& answer, CommandContext& contex
     context.output.print("Sleep is on.\n");
     return ExitCode::kNegative;
   }
-  context.output.print("Sleep is off for another " + durationText(answer->remaining) + ".\n");
+  // Where the system itself is asked, nobody knows for how long.
+  const bool known = answer->remaining > Seconds{0};
+  context.output.print(known ? "Sleep is off for another " + durationText(answer->remaining) + ".\n"
+                             : "Sleep is off.\n");
   return ExitCode::kDone;
 }
 

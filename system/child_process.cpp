@@ -76,7 +76,7 @@ Result<ChildProcess> ChildProcess::start(const ChildSpec& spec) {
   std::vector<std::string> words{spec.program};
   words.insert(words.end(), spec.arguments.begin(), spec.arguments.end());
   auto arguments = pointers(words);
-  auto variables = pointers(spec.environment.value_or(std::vector<std::string>{}));
+  auto variables = spec.environment ? pointers(*spec.environment) : std::vector<char*>{};
   char** environment = spec.environment ? variables.data() : environ;
 
   const auto spawn = spec.searchesPath ? posix_spawnp : posix_spawn;
