@@ -33,10 +33,12 @@ SafetyTarget decisiveTarget(const MCPTarget& target) {
 MCPService::MCPService(Parts parts) : parts_(std::move(parts)) {
   server_.offMessage = kOffMessage;
   server_.status = [this] {
-    return report([](const HostSnapshot& snapshot) { return CLIReports::jsonText(CLIReports::status(snapshot.report())); });
+    return report(
+        [](const HostSnapshot& snapshot) { return CLIReports::jsonText(CLIReports::status(snapshot.report())); });
   };
   server_.ports = [this] {
-    return report([](const HostSnapshot& snapshot) { return CLIReports::jsonText(CLIReports::ports(snapshot.report())); });
+    return report(
+        [](const HostSnapshot& snapshot) { return CLIReports::jsonText(CLIReports::ports(snapshot.report())); });
   };
   server_.agents = [this]() -> Result<std::string> {
     const auto taken = look();
@@ -62,8 +64,8 @@ void MCPService::prepareToolCall() {
   ProtectionRules rules = protectionRulesFrom(JsonValue(settings.document));
   if (rules != rules_) look_.reset();
   rules_ = std::move(rules);
-  server_.appRunning = parts_.stateFolder && MCPHeartbeat::isFresh(*parts_.stateFolder, now_,
-                                                                   Seconds{MCPHeartbeat::kMaximumAgeSeconds});
+  server_.appRunning =
+      parts_.stateFolder && MCPHeartbeat::isFresh(*parts_.stateFolder, now_, Seconds{MCPHeartbeat::kMaximumAgeSeconds});
 }
 
 Result<const MCPService::Look*> MCPService::look() {
