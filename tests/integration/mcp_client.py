@@ -20,16 +20,15 @@ def recorded(snapshot=SNAPSHOT):
 class Client:
     """One running server. Replies are read with a deadline; nothing sleeps."""
 
-    def __init__(self, *options, snapshot=SNAPSHOT, environment=None, folder=None, **streams):
-        self.home = folder or tempfile.TemporaryDirectory(prefix="brindle-mcp-")
+    def __init__(self, *options, snapshot=SNAPSHOT, environment=None):
+        self.home = tempfile.TemporaryDirectory(prefix="brindle-mcp-")
         self.state = os.path.join(self.home.name, "state")
         # What clients give: no TMPDIR, no XDG variables.
         variables = {"HOME": self.home.name, "PATH": "/usr/bin:/bin", "BRINDLE_DATA_DIR": self.state}
         variables.update(environment or {})
         arguments = recorded(snapshot) if snapshot else []
         self.process = subprocess.Popen([BRINDLE, "mcp", *arguments, *options], stdin=subprocess.PIPE,
-                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=variables, bufsize=0,
-                                        **streams)
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=variables, bufsize=0)
         self.buffer = b""
 
     def __enter__(self):
@@ -41,6 +40,7 @@ class Client:
                 stream.close()
         self.process.kill()
         self.process.wait()
+        self.home.cleanup()
 
     def send(self, data):
         self.process.stdin.write(data)

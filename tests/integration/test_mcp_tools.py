@@ -81,7 +81,7 @@ class Safety(unittest.TestCase):
     def test_a_rule_of_the_user_protects_from_the_next_call_on(self):
         with Client() as client:
             self.assertEqual(self.verdict(client, port=3000)[0], "askFirst")
-            os.makedirs(client.state, 0o700)
+            os.makedirs(client.state, 0o700, exist_ok=True)
             with open(os.path.join(client.state, "settings.json"), "w", encoding="utf-8") as file:
                 json.dump({"protect": {"ports": [3000]}}, file)
             self.assertEqual(self.verdict(client, port=3000)[0], "leaveAlone")
@@ -126,7 +126,7 @@ class Requests(unittest.TestCase):
     def test_a_fresh_heartbeat_means_that_the_application_is_open(self):
         for age, running in ((0, True), (10, True), (20, False)):
             with self.subTest(age), Client() as client:
-                os.makedirs(client.state, 0o700)
+                os.makedirs(client.state, 0o700, exist_ok=True)
                 with open(os.path.join(client.state, "mcp-heartbeat.json"), "w", encoding="utf-8") as file:
                     json.dump({"time": iso(time.time() - age)}, file)
                 self.assertEqual(json.loads(client.tool("request_quit", pid=600)[0])["appRunning"], running)
@@ -150,7 +150,7 @@ class Requests(unittest.TestCase):
 
     def test_settings_that_cannot_be_read_are_told_once_and_the_defaults_taken(self):
         with Client() as client:
-            os.makedirs(client.state, 0o700)
+            os.makedirs(client.state, 0o700, exist_ok=True)
             with open(os.path.join(client.state, "settings.json"), "w", encoding="utf-8") as file:
                 file.write("[]")
             self.assertFalse(client.tool("status")[1])
