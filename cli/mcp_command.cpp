@@ -8,13 +8,12 @@
 #include <memory>
 
 #include "base/descriptor.h"
-#include "base/number_text.h"
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_code.h"
 #include "cli/mcp_conversation.h"
-#include "cli/mcp_live_source.h"
 #include "cli/mcp_service.h"
+#include "cli/mcp_snapshot_source.h"
 #include "platform/clock.h"
 #include "platform/directories.h"
 
@@ -99,38 +98,14 @@ MCPFramingChoice framingChoice(const Arguments& arguments, CommandContext& conte
   return choice.value_or(MCPFramingChoice::automatic);
 }
 
-// The source that the options ask for, or one line of what is wrong with them.
-tl::expected<std::unique_ptr<SnapshotSource>, std::string> chosenSource(const Arguments& arguments,
-                                                                        const CommandContext& context) {
-  const std::optional<std::string> file = arguments.value("--snapshot");
-  if (!file) {
-    for (const std::string_view option : {"--now", "--uid", "--rules"}) {
-      if (arguments.has(option)) return tl::make_unexpected("mcp: " + std::string(option) + " goes with --snapshot");
-    }
-    return liveSource(context.environment);
-  }
-  RecordedSnapshot recorded{.file = *file, .now = wallClockNow(), .currentUser = ::getuid()};
-  if (const auto now = arguments.value("--now")) {
-    const auto seconds = doubleFromText(*now);
-    if (!seconds) return tl::make_unexpected("mcp: --now: expected seconds since 1970, got \"" + *now + "\"");
-    recorded.now = dateFromSeconds(*seconds);
-  }
-  if (const auto uid = arguments.value("--uid")) {
-    const auto number = integerFromText(*uid);
-    if (!number || *number < 0 || *number > UINT32_MAX) {
-      return tl::make_unexpected("mcp: --uid: expected a user id, got \"" + *uid + "\"");
-    }
-    recorded.currentUser = static_cast<std::uint32_t>(*number);
-  }
-  if (arguments.value("--rules") == "linux") recorded.rules = &SystemProcessRules::forLinux();
-  auto source = recordedSource(recorded);
-  if (!source) return tl::make_unexpected("mcp: " + source.error().message());
-  return *std::move(source);
-}
-
 int runMCP(const Arguments& arguments, CommandContext& context) {
-  auto source = chosenSource(arguments, context);
-  if (!source) return wrongUsage(context, source.error());
+  const ReportUsage usage = reportOptionsOf(arguments);
+  if (!usage.problem.empty()) return wrongUsage(context, "mcp: " + usage.problem);
+  const auto source = snapshotSource(usage.options, context.environment);
+  if (!source) {
+    context.output.remark("mcp: " + source.error().message());
+    return ExitCode::kFailure;
+  }
   MCPService service({.source = **source,
                       .stateFolder = stateFolder(context.environment),
                       .settingsFile = settingsFile(context.environment),
@@ -139,13 +114,12 @@ int runMCP(const Arguments& arguments, CommandContext& context) {
 }
 
 constexpr std::string_view kFramings[] = {"auto", "lines", "header"};
-constexpr std::string_view kRules[] = {"macos", "linux"};
 constexpr OptionSpec kOptions[] = {
     {.name = "--framing", .value = "HOW", .help = "how replies are framed; auto when not given", .choices = kFramings},
-    {.name = "--snapshot", .value = "FILE", .help = "report on these recorded processes instead of this machine"},
-    {.name = "--now", .value = "SECONDS", .help = "with --snapshot: its moment, in seconds since 1970"},
-    {.name = "--uid", .value = "N", .help = "with --snapshot: whose processes are one's own"},
-    {.name = "--rules", .value = "SYSTEM", .help = "with --snapshot: whose system processes", .choices = kRules}};
+    kSnapshotOption,
+    kNowOption,
+    kUidOption,
+    kRulesOption};
 
 }  // namespace
 

@@ -3,12 +3,10 @@
 // Used by MCPService, which asks once for each call that needs to look. Single-threaded.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <string>
 
-#include "base/date.h"
 #include "base/result.h"
+#include "cli/report_options.h"
 #include "inventory/host_snapshot.h"
 #include "inventory/protection_rules.h"
 
@@ -21,17 +19,9 @@ class SnapshotSource {
   [[nodiscard]] virtual Result<HostSnapshot> take(const ProtectionRules& rules) = 0;
 };
 
-/// What --snapshot and its companions say.
-struct RecordedSnapshot {
-  /// A JSON array of process records.
-  std::string file;
-  Date now{};
-  std::uint32_t currentUser = 0;
-  const SystemProcessRules* rules = &SystemProcessRules::forMacOS();
-};
-
-/// A source that answers the recorded processes each time. The file is read once; fails when it cannot be read or is
-/// no snapshot.
-[[nodiscard]] Result<std::unique_ptr<SnapshotSource>> recordedSource(const RecordedSnapshot& recorded);
+/// The source that the options ask for. A recorded snapshot is read here, once; fails when it cannot be read or is
+/// none. Making a source of this machine looks at nothing.
+[[nodiscard]] Result<std::unique_ptr<SnapshotSource>> snapshotSource(const ReportOptions& options,
+                                                                     const Environment& environment);
 
 }  // namespace brindle

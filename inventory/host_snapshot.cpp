@@ -70,11 +70,10 @@ HostSnapshot snapshotOf(std::vector<TrackedProcess> processes, const SnapshotCon
     const bool names = process.recordedAgentName || process.recordedAgentPID;
     if (!names || process.recordedAgentAlive || process.role || inSessions.contains(process.pid)) continue;
     if (!isUserProcess(process, snapshot.currentUser, *snapshot.rules)) continue;
-    snapshot.leftBehind.push_back(
-        {process, originText({.pid = process.pid,
-                              .tie = OriginTie::leftBehind,
-                              .evidence = OriginEvidence::record,
-                              .agent = process.recordedAgentName.value_or("An agent")})});
+    snapshot.leftBehind.push_back({process, originText({.pid = process.pid,
+                                                        .tie = OriginTie::leftBehind,
+                                                        .evidence = OriginEvidence::record,
+                                                        .agent = process.recordedAgentName.value_or("An agent")})});
   }
   return snapshot;
 }

@@ -45,7 +45,9 @@ ProtectionRules protectionRulesFrom(const JsonValue& settings) {
 
 bool isProtectedBy(const ProtectionRules& rules, const TrackedProcess& process) {
   if (std::ranges::find(rules.names, process.name) != rules.names.end()) return true;
-  const auto covers = [&](const std::string& rule) { return isWithin(process.path, rule) || isWithin(process.cwd, rule); };
+  const auto covers = [&](const std::string& rule) {
+    return isWithin(process.path, rule) || isWithin(process.cwd, rule);
+  };
   if (std::ranges::any_of(rules.paths, covers)) return true;
   return std::ranges::any_of(process.ports,
                              [&](int port) { return std::ranges::find(rules.ports, port) != rules.ports.end(); });

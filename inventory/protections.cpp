@@ -59,9 +59,11 @@ std::optional<std::string> builtInProtection(const TrackedProcess& process) {
     case ProgramClass::ide:
     case ProgramClass::terminal:
     case ProgramClass::database:
-    case ProgramClass::container: return std::string(textOf(*programClass));
+    case ProgramClass::container:
+      return std::string(textOf(*programClass));
     case ProgramClass::daemon:
-    case ProgramClass::systemManager: return std::nullopt;
+    case ProgramClass::systemManager:
+      return std::nullopt;
   }
   return std::nullopt;
 }
@@ -87,8 +89,7 @@ std::vector<QuitCandidate> quitCandidates(const HostSnapshot& snapshot, std::opt
 ProtectionReasons protectionReasons(const HostSnapshot& snapshot) {
   ProtectionReasons reasons;
   for (const TrackedProcess& process : snapshot.processes) {
-    auto reason =
-        SessionQuitPlanner::skipReason(candidateOf(snapshot, process), snapshot.currentUser, *snapshot.rules);
+    auto reason = SessionQuitPlanner::skipReason(candidateOf(snapshot, process), snapshot.currentUser, *snapshot.rules);
     if (reason) reasons.try_emplace(process.pid, std::move(*reason));
   }
   return reasons;
@@ -125,9 +126,8 @@ const TrackedProcess* listenerOn(const HostSnapshot& snapshot, int port) {
 SafetyGate::Input safetyInput(const HostSnapshot& snapshot, const SafetyTarget& target) {
   const TrackedProcess* process = nullptr;
   const std::int32_t wanted = target.pid.value_or(target.sessionPid.value_or(0));
-  const bool isSession =
-      (target.pid || !target.port) &&
-      std::ranges::find(snapshot.sessions, wanted, &AgentSession::pid) != snapshot.sessions.end();
+  const bool isSession = (target.pid || !target.port) &&
+                         std::ranges::find(snapshot.sessions, wanted, &AgentSession::pid) != snapshot.sessions.end();
   if (target.pid) {
     process = processOf(snapshot, *target.pid);
   } else if (target.port) {

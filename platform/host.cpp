@@ -42,7 +42,8 @@ void sampleCpu(const Environment& environment, const std::string& boot, std::vec
   if (ensureFolder(*folder)) (void)replaceFile(path, cpuSampleText(now)).has_value();
 }
 
-Outcome sampleTwice(const HostQuestion& question, std::uint32_t user, const std::string& boot, ProcessListing& listing) {
+Outcome sampleTwice(const HostQuestion& question, std::uint32_t user, const std::string& boot,
+                    ProcessListing& listing) {
   const CpuSample before = cpuSampleOf(listing.processes, boot, bootClockNow());
   std::this_thread::sleep_for(*question.sampleFor);
   auto again = listProcesses(user, question.detail);
@@ -90,8 +91,9 @@ Outcome rememberOwners(const Environment& environment, const HostSnapshot& snaps
   const std::string boot = bootId();
   std::set<std::pair<std::int32_t, std::int64_t>> living;
   for (const TrackedProcess& process : snapshot.processes) living.insert({process.pid, process.startTime});
-  const auto cleaned =
-      store.clean(boot, [&](std::int32_t pid, std::int64_t start) { return living.contains({pid, start}); });
+  const auto cleaned = store.clean(boot, [&](std::int32_t pid, std::int64_t start) {
+    return living.contains({pid, start});
+  });
   auto added = store.add(ownershipOf(snapshot, boot));
   return added ? cleaned : added;
 }

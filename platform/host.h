@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/result.h"
+#include "inventory/cpu_sample.h"
 #include "inventory/host_snapshot.h"
 #include "platform/environment.h"
 #include "platform/process_source.h"

@@ -64,9 +64,7 @@ class Listing {
     std::ranges::stable_sort(processes_, {}, [](const ProcessFacts& each) { return each.startTime; });
   }
 
-  bool mayInspect(Index index) const {
-    return processes_[index].uid == currentUser_ || processes_[index].pid == 1;
-  }
+  bool mayInspect(Index index) const { return processes_[index].uid == currentUser_ || processes_[index].pid == 1; }
 
   std::vector<Index> allIndices() const {
     std::vector<Index> all(processes_.size());

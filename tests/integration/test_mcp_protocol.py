@@ -204,7 +204,7 @@ class Manners(unittest.TestCase):
             self.assertEqual(process.wait(10), 0)
 
     def test_wrong_options_are_one_line_and_status_2(self):
-        for options, text in ((["--framing=both"], "both"), (["--now", "5"], "--now goes with --snapshot"),
+        for options, text in ((["--framing=both"], "both"), (["--now", "5"], "--now goes with --snapshot only"),
                               (["--snapshot", "/nonexistent"], "/nonexistent"),
                               ([*recorded(), "--now", "soon"], "expected seconds since 1970"),
                               ([*recorded(), "--uid", "-1"], "expected a user id"),

@@ -87,6 +87,19 @@ class Safety(unittest.TestCase):
             self.assertEqual(self.verdict(client, port=3000)[0], "leaveAlone")
 
 
+class ThisMachine(unittest.TestCase):
+    def test_without_a_recorded_snapshot_it_sees_the_processes_that_run(self):
+        with Client(snapshot=None) as client:
+            verdict = json.loads(client.tool("safety", pid=os.getpid())[0])
+            self.assertNotEqual(verdict["reason"], "Nothing of yours matches.")
+            self.assertTrue(verdict["name"].startswith("python"), verdict)
+            for name in ("status", "ports", "agents"):
+                text, is_error = client.tool(name)
+                self.assertFalse(is_error)
+                self.assertEqual(json.loads(text)["command"], name)
+            self.assertEqual(client.finish()[0], 0)
+
+
 class Requests(unittest.TestCase):
     def inbox(self, client):
         with open(os.path.join(client.state, "mcp-inbox.json"), encoding="utf-8") as file:
