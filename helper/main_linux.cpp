@@ -49,7 +49,7 @@ int run() {
   if (const auto published = service.publish(helper); !published) return failed(published.error().message());
   sd_notify(0, "READY=1");
   const int code = loop->run();
-  return code < 0 ? failed("event loop failed") : code;
+  return code == 0 ? 0 : failed(code > 0 ? "the system bus is gone" : "the event loop failed");
 }
 
 }  // namespace

@@ -73,7 +73,8 @@ std::vector<MCPQuitRequest> MCPQuitInbox::read() const {
   std::vector<MCPQuitRequest> requests;
   requests.reserve(array->size());
   for (const JsonValue& element : *array) {
-    auto request = mcpQuitRequestFrom(element);
+    const JsonObject* object = element.object();
+    auto request = object == nullptr ? std::nullopt : decodeMCPQuitRequest(*object);
     if (!request) return {};  // one array, one document: it decodes as a whole or not at all
     requests.push_back(*std::move(request));
   }
@@ -83,7 +84,7 @@ std::vector<MCPQuitRequest> MCPQuitInbox::read() const {
 Outcome MCPQuitInbox::write(const std::vector<MCPQuitRequest>& requests) const {
   JsonArray array;
   array.reserve(requests.size());
-  for (const MCPQuitRequest& request : requests) array.push_back(toJson(request));
+  for (const MCPQuitRequest& request : requests) array.push_back(encode(request));
   return replaceFile(path(), writeJson(JsonValue(std::move(array)), JsonStyle{.pretty = true, .sortedKeys = true}));
 }
 

@@ -34,14 +34,15 @@ Outcome MCPRequestLog::trim(Date now) const {
 
 std::string MCPRequestLog::path() const { return directory_ + "/" + std::string(kFileName); }
 
-std::string mcpLogLine(const MCPLogEntry& entry) { return writeJson(toJson(entry)) + "\n"; }
+std::string mcpLogLine(const MCPLogEntry& entry) { return writeJson(encode(entry)) + "\n"; }
 
 std::vector<MCPLogEntry> readMCPLogLines(std::string_view text) {
   std::vector<MCPLogEntry> entries;
   for (const std::string_view line : nonEmptyLines(text)) {
     const std::optional<JsonValue> value = parseJson(line);
-    if (!value) continue;
-    if (auto entry = mcpLogEntryFrom(*value)) entries.push_back(*std::move(entry));
+    const JsonObject* object = value ? value->object() : nullptr;
+    if (object == nullptr) continue;
+    if (auto entry = decodeMCPLogEntry(*object)) entries.push_back(*std::move(entry));
   }
   return entries;
 }

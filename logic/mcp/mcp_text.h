@@ -3,12 +3,14 @@
 
 #include <string>
 
-#include "base/json_value.h"
+#include "base/json_writer.h"
 
 namespace brindle {
 
-/// Compact text with sorted keys; "{}" when the value holds a text that is not valid UTF-8, which no JSON reader
-/// would take.
-[[nodiscard]] std::string mcpText(JsonValue value);
+/// Compact text with sorted keys. Never fails: bytes that are not UTF-8 become U+FFFD, so a process with a broken name
+/// cannot make a reply unreadable.
+[[nodiscard]] inline std::string mcpText(const JsonValue& value) {
+  return writeJson(value, JsonStyle{.sortedKeys = true});
+}
 
 }  // namespace brindle

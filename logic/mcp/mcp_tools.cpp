@@ -33,7 +33,6 @@ constexpr auto kTools = std::to_array<Tool>({
 });
 
 constexpr std::string_view kMissingTarget = "Say which pid, port or sessionPid.";
-constexpr std::string_view kAskFirst = "askFirst";
 
 JsonObject properties(Arguments arguments) {
   JsonObject object;
@@ -125,7 +124,7 @@ JsonObject requestQuit(const Call& call) {
   if (note) note = redactNote(*note);
 
   const MCPSafetyVerdict verdict = call.server.safety(*target);
-  if (verdict.verdict != kAskFirst) {
+  if (verdict.verdict != SafetyGate::kAskFirst) {
     call.record(targetText(*target), "refused: " + verdict.reason);
     return textResult(
         mcpText(JsonObject{{"accepted", false}, {"verdict", verdict.verdict}, {"reason", verdict.reason}}), false);
@@ -142,7 +141,7 @@ JsonObject requestQuit(const Call& call) {
                                "confirm there.";
   return textResult(mcpText(JsonObject{{"accepted", true},
                                        {"requestId", *id},
-                                       {"verdict", kAskFirst},
+                                       {"verdict", SafetyGate::kAskFirst},
                                        {"appRunning", call.server.appRunning},
                                        {"message", message}}),
                     false);

@@ -14,12 +14,13 @@ std::string pathIn(const std::string& container) { return container + "/" + std:
 }  // namespace
 
 std::string encodeText(const WidgetSnapshot& snapshot) {
-  return writeJson(toJson(snapshot), JsonStyle{.sortedKeys = true});
+  return writeJson(encode(snapshot), JsonStyle{.sortedKeys = true});
 }
 
 std::optional<WidgetSnapshot> decodeText(std::string_view text) {
   const std::optional<JsonValue> document = parseJson(text);
-  return document ? widgetSnapshotFrom(*document) : std::nullopt;
+  const JsonObject* object = document ? document->object() : nullptr;
+  return object == nullptr ? std::nullopt : decodeWidgetSnapshot(*object);
 }
 
 Outcome write(const Container& container, const WidgetSnapshot& snapshot) {

@@ -32,6 +32,7 @@ POLKITD = "/usr/lib/polkit-1/polkitd"
 LOCK_WHAT = "sleep:handle-lid-switch"
 LOCK_WHO = "Brindle"
 LOCK_WHY = "Coding agents are working"
+STAND_IN_INTERFACE = "app.brindle.StandIn"
 NOBODY = 65534
 WAIT_SECONDS = 10.0
 
@@ -213,6 +214,7 @@ class System:
         self.address = f"unix:path={self.folder}/bus"
         self.env = {"DBUS_SYSTEM_BUS_ADDRESS": self.address, "PATH": os.environ.get("PATH", "/usr/bin:/bin")}
         self.processes = []
+        self.mounts = []
         self.helper = None
         self.logind = None
         self._connection = None
@@ -231,6 +233,9 @@ class System:
         for process in reversed(self.processes):
             process.stop()
         self.processes.clear()
+        for mount in reversed(self.mounts):
+            subprocess.run(["umount", mount], check=True)
+        self.mounts.clear()
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def _start_bus(self, activation):
@@ -276,13 +281,15 @@ class System:
         except dbus.DBusException:
             return None
 
-    def start_logind(self):
-        if self.real:
+    def start_logind(self, stand_in=False):
+        """The login manager; with `stand_in` the one that can be told to fail (see stand_in())."""
+        if self.real and not stand_in:
             for folder in ("systemd/inhibit", "systemd/seats", "systemd/users", "systemd/sessions"):
                 os.makedirs("/run/" + folder, exist_ok=True)
             self.logind = self.start([LOGIND])
         else:
-            self.logind = self.start(["/usr/bin/python3", pathlib.Path(__file__).with_name("stand_in_logind.py")])
+            self.login_manager = "a stand-in for the login manager"
+            self.logind = self.start([sys.executable, pathlib.Path(__file__).with_name("stand_in_logind.py")])
         wait_until(lambda: self.owner("org.freedesktop.login1"), f"{self.login_manager} is up: {self.logind.lines}")
         return self.logind
 
@@ -298,9 +305,25 @@ class System:
         if self.real:
             shutil.rmtree("/run/systemd/inhibit")
 
-    def start_polkit(self):
+    def stand_in(self, member, signature="", *arguments):
+        """Tells the stand-in to misbehave: RefuseLocks(b), ForgetLocks(), EmitPrepareForSleep(b)."""
+        self.connection().call_blocking("org.freedesktop.login1", "/org/freedesktop/login1", STAND_IN_INTERFACE, member,
+                                        signature, arguments, timeout=WAIT_SECONDS)
+
+    def start_polkit(self, rule):
+        """polkitd that knows the helper's action and decides about it by one JavaScript rule."""
         if not (self.real and os.path.exists(POLKITD)):
             raise Unavailable("polkitd is not there")
+        actions, rules = self.folder / "actions", self.folder / "rules"
+        shutil.copytree("/usr/share/polkit-1/actions", actions)
+        shutil.copy(build_dir() / "packaging" / "linux" / f"{self.helper_name}.policy", actions)
+        rules.mkdir()
+        (rules / "50-test.rules").write_text(rule)
+        for source, target in ((actions, "/usr/share/polkit-1/actions"), (rules, "/etc/polkit-1/rules.d")):
+            for path in (source, *source.iterdir()):
+                path.chmod(0o755 if path.is_dir() else 0o644)
+            subprocess.run(["mount", "--bind", source, target], check=True)
+            self.mounts.append(target)
         polkit = self.start([POLKITD, "--no-debug"])
         wait_until(lambda: self.owner("org.freedesktop.PolicyKit1"), "polkitd is up")
         return polkit

@@ -1,7 +1,8 @@
 """A stand-in for the login manager, for users who cannot run the real one.
 
 It knows inhibitor locks and nothing else: Inhibit hands out the writing end of a pipe, and a lock is gone when every
-copy of that end is closed, as with the real one. It cannot suspend, has no sessions and asks nobody for permission.
+copy of that end is closed, as with the real one. It cannot suspend, has no sessions and asks nobody for permission. It
+can be told to fail in ways in which the real one fails too rarely for a test.
 """
 
 import os
@@ -13,6 +14,7 @@ import dbus.service
 from gi.repository import GLib
 
 MANAGER = "org.freedesktop.login1.Manager"
+CONTROL = "app.brindle.StandIn"
 
 
 class Manager(dbus.service.Object):
@@ -20,9 +22,12 @@ class Manager(dbus.service.Object):
         super().__init__(bus, "/org/freedesktop/login1")
         self.bus = bus
         self.locks = {}
+        self.refuses = False
 
     @dbus.service.method(MANAGER, in_signature="ssss", out_signature="h", sender_keyword="sender")
     def Inhibit(self, what, who, why, mode, sender=None):
+        if self.refuses:
+            raise dbus.DBusException("the machine is suspending", name="org.freedesktop.login1.OperationInProgress")
         if mode not in ("block", "delay"):
             raise dbus.DBusException("invalid mode", name="org.freedesktop.DBus.Error.InvalidArgs")
         reading, writing = os.pipe2(os.O_CLOEXEC | os.O_NONBLOCK)
@@ -36,7 +41,7 @@ class Manager(dbus.service.Object):
         return handed_out
 
     def _closed(self, reading, _condition):
-        del self.locks[reading]
+        self.locks.pop(reading, None)
         os.close(reading)
         return False
 
@@ -47,6 +52,18 @@ class Manager(dbus.service.Object):
     @dbus.service.signal(MANAGER, signature="b")
     def PrepareForSleep(self, falling_asleep):
         pass
+
+    @dbus.service.method(CONTROL, in_signature="b")
+    def RefuseLocks(self, refuses):
+        self.refuses = bool(refuses)
+
+    @dbus.service.method(CONTROL)
+    def ForgetLocks(self):
+        self.locks.clear()
+
+    @dbus.service.method(CONTROL, in_signature="b")
+    def EmitPrepareForSleep(self, falling_asleep):
+        self.PrepareForSleep(falling_asleep)
 
 
 def main():

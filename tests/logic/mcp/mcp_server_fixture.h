@@ -51,7 +51,8 @@ class MCPServerFixture : public ::testing::Test {
 
   /// The text and the flag of the tool result for these params.
   ToolAnswer call(const std::string& params) {
-    const auto reply = server.handle(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":)" + params + "}", kCallTime);
+    const auto reply =
+        server.handle(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":)" + params + "}", kCallTime);
     const auto parsed = parseJson(reply.value_or(""));
     const JsonObject* object = parsed ? parsed->object() : nullptr;
     const JsonObject* result = object ? objectMember(*object, "result") : nullptr;

@@ -15,11 +15,12 @@ class MCPServerHandle : public MCPServerFixture {
 };
 
 TEST_F(MCPServerHandle, InitializeTellsVersionToolsNameAndInstructions) {
-  EXPECT_EQ(reply(R"({"jsonrpc":"2.0","id":0,"method":"initialize","params":{"protocolVersion":"2025-06-18"}})"),
-            R"({"id":0,"jsonrpc":"2.0","result":{"capabilities":{"tools":{}},"instructions":"Read only. Brindle never )"
-            R"(stops a process from this server. request_quit asks the person in the Brindle app, and nothing stops )"
-            R"(until they confirm. System processes and other users' processes are left alone. This covers every AI )"
-            R"(agent, not one vendor.","protocolVersion":"2024-11-05","serverInfo":{"name":"brindle","version":"1.3.0"}}})");
+  EXPECT_EQ(
+      reply(R"({"jsonrpc":"2.0","id":0,"method":"initialize","params":{"protocolVersion":"2025-06-18"}})"),
+      R"({"id":0,"jsonrpc":"2.0","result":{"capabilities":{"tools":{}},"instructions":"Read only. Brindle never )"
+      R"(stops a process from this server. request_quit asks the person in the Brindle app, and nothing stops )"
+      R"(until they confirm. System processes and other users' processes are left alone. This covers every AI )"
+      R"(agent, not one vendor.","protocolVersion":"2024-11-05","serverInfo":{"name":"brindle","version":"1.3.0"}}})");
 }
 
 TEST_F(MCPServerHandle, PingAnswersAnEmptyObject) {
@@ -93,9 +94,8 @@ TEST_F(MCPServerHandle, MethodsMatchExactly) {
 }
 
 TEST_F(MCPServerHandle, BytesThatAreNoJsonObjectAreAParseErrorWithoutId) {
-  for (const std::string_view message :
-       {"", " ", "x", "{", "[]", "[{\"id\":1,\"method\":\"ping\"}]", "null", "1", "\"ping\"", "{\"id\":1,}",
-        "{\"id\":1,\"method\":\"\xff\"}", "{\"id\":1}{}"}) {
+  for (const std::string_view message : {"", " ", "x", "{", "[]", "[{\"id\":1,\"method\":\"ping\"}]", "null", "1",
+                                         "\"ping\"", "{\"id\":1,}", "{\"id\":1,\"method\":\"\xff\"}", "{\"id\":1}{}"}) {
     EXPECT_EQ(reply(message), kParseErrorReply) << message;
   }
 }
@@ -135,9 +135,12 @@ TEST_F(MCPServerHandle, ParamsThatAreNoObjectCountAsEmpty) {
             R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"Unknown tool.","type":"text"}],"isError":true}})");
 }
 
-TEST_F(MCPServerHandle, AReplyThatCannotBeSerialisedIsAnEmptyObject) {
-  server.status = [] { return std::string("name \xff"); };
-  EXPECT_EQ(reply(R"({"id":1,"method":"tools/call","params":{"name":"status"}})"), "{}");
+TEST_F(MCPServerHandle, AReplyIsAlwaysSerialisedBrokenTextIncluded) {
+  server.status = [] { return std::string("name \xff\xc3"); };
+  EXPECT_EQ(
+      reply(R"({"id":1,"method":"tools/call","params":{"name":"status"}})"),
+      "{\"id\":1,\"jsonrpc\":\"2.0\",\"result\":{\"content\":[{\"text\":\"name \uFFFD\uFFFD\",\"type\":\"text\"}],"
+      "\"isError\":false}}");
 }
 
 TEST_F(MCPServerHandle, HostileDepthIsAParseError) {

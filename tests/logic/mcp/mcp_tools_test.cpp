@@ -71,7 +71,8 @@ TEST_F(MCPToolsCall, AMissingOrWrongNameIsLoggedAsToolsCall) {
 TEST_F(MCPToolsCall, SafetyWithoutTargetSaysWhatIsMissing) {
   EXPECT_EQ(call(R"({"name":"safety","arguments":{}})"), (ToolAnswer{"Say which pid, port or sessionPid.", true}));
   EXPECT_EQ(call(R"({"name":"safety"})"), (ToolAnswer{"Say which pid, port or sessionPid.", true}));
-  EXPECT_EQ(logged, (std::vector{entry("safety", "missing target", "error"), entry("safety", "missing target", "error")}));
+  EXPECT_EQ(logged,
+            (std::vector{entry("safety", "missing target", "error"), entry("safety", "missing target", "error")}));
   EXPECT_TRUE(calls.empty());
 }
 
@@ -91,19 +92,20 @@ TEST_F(MCPToolsCall, SafetyNamesNothingWithAnEmptyText) {
   EXPECT_EQ(logged, std::vector{entry("safety", "port 3000", "leaveAlone")});
 }
 
-TEST_F(MCPToolsCall, SafetyThatCannotBeSerialisedIsAnEmptyObject) {
-  verdict.name = "\xff";
-  EXPECT_EQ(call(R"({"name":"safety","arguments":{"pid":1}})"), (ToolAnswer{"{}", false}));
+TEST_F(MCPToolsCall, SafetyIsAlwaysSerialisedBrokenNamesIncluded) {
+  verdict = {"leaveAlone", "r", "\xff"};
+  EXPECT_EQ(call(R"({"name":"safety","arguments":{"pid":1}})"),
+            (ToolAnswer{"{\"name\":\"\uFFFD\",\"reason\":\"r\",\"verdict\":\"leaveAlone\"}", false}));
 }
 
 TEST_F(MCPToolsCall, TargetTextPrefersTheSessionThenJoinsPidAndPort) {
-  for (const auto& [arguments, text] : std::vector<std::pair<std::string, std::string>>{
-           {R"({"sessionPid":7})", "session 7"},
-           {R"({"sessionPid":7,"pid":8,"port":9})", "session 7"},
-           {R"({"pid":8,"port":9})", "pid 8 port 9"},
-           {R"({"port":9})", "port 9"},
-           {R"({"pid":8})", "pid 8"},
-           {R"({"pid":-8})", "pid -8"}}) {
+  for (const auto& [arguments, text] :
+       std::vector<std::pair<std::string, std::string>>{{R"({"sessionPid":7})", "session 7"},
+                                                        {R"({"sessionPid":7,"pid":8,"port":9})", "session 7"},
+                                                        {R"({"pid":8,"port":9})", "pid 8 port 9"},
+                                                        {R"({"port":9})", "port 9"},
+                                                        {R"({"pid":8})", "pid 8"},
+                                                        {R"({"pid":-8})", "pid -8"}}) {
     call(R"({"name":"safety","arguments":)" + arguments + "}");
     EXPECT_EQ(logged.back(), entry("safety", text, "askFirst")) << arguments;
   }
@@ -125,8 +127,8 @@ TEST_F(MCPToolsCall, IntegersWithin32SignedBitsCount) {
 }
 
 TEST_F(MCPToolsCall, OtherValuesCountAsNotGiven) {
-  for (const std::string value : {"2147483648", "-2147483649", "1e300", "-1e300", "1e999", "true", "false", "null",
-                                  "\"42\"", "[42]", "{\"pid\":42}", "99999999999999999999"}) {
+  for (const std::string value : {"2147483648", "-2147483649", "1e300", "-1e300", "true", "false", "null", "\"42\"",
+                                  "[42]", "{\"pid\":42}", "99999999999999999999"}) {
     EXPECT_EQ(call(R"({"name":"safety","arguments":{"pid":)" + value + "}}"),
               (ToolAnswer{"Say which pid, port or sessionPid.", true}))
         << value;
@@ -150,19 +152,21 @@ TEST_F(MCPToolsCall, RequestQuitForAnotherUsersProcessIsRefusedAndFilesNothing) 
 
 TEST_F(MCPToolsCall, RequestQuitFilesWhatMayBeAsked) {
   server.appRunning = true;
-  EXPECT_EQ(call(R"({"name":"request_quit","arguments":{"pid":42,"note":"stuck"}})"),
-            (ToolAnswer{R"({"accepted":true,"appRunning":true,"message":"Brindle will ask you in the app. Nothing stops )"
-                        R"(until you confirm.","requestId":"ID-1","verdict":"askFirst"})",
-                        false}));
+  EXPECT_EQ(
+      call(R"({"name":"request_quit","arguments":{"pid":42,"note":"stuck"}})"),
+      (ToolAnswer{R"({"accepted":true,"appRunning":true,"message":"Brindle will ask you in the app. Nothing stops )"
+                  R"(until you confirm.","requestId":"ID-1","verdict":"askFirst"})",
+                  false}));
   EXPECT_EQ(quits, (std::vector{MCPQuitCall{"pid", MCPTarget{.pid = 42}, "stuck"}}));
   EXPECT_EQ(logged, std::vector{entry("request_quit", "pid 42", "needs confirmation ID-1")});
   EXPECT_EQ(calls, (std::vector<std::string>{"safety", "requestQuit"}));
 }
 
 TEST_F(MCPToolsCall, RequestQuitSaysWhenTheApplicationIsNotOpen) {
-  EXPECT_EQ(call(R"({"name":"request_quit","arguments":{"pid":42}})").text,
-            R"({"accepted":true,"appRunning":false,"message":"Brindle isn't open. The request waits until you open it, )"
-            R"(and nothing stops until you confirm there.","requestId":"ID-1","verdict":"askFirst"})");
+  EXPECT_EQ(
+      call(R"({"name":"request_quit","arguments":{"pid":42}})").text,
+      R"({"accepted":true,"appRunning":false,"message":"Brindle isn't open. The request waits until you open it, )"
+      R"(and nothing stops until you confirm there.","requestId":"ID-1","verdict":"askFirst"})");
 }
 
 TEST_F(MCPToolsCall, RequestQuitWithPidAndSessionIsOfKindSession) {
