@@ -4,7 +4,9 @@
 // JsonWriter. Plain values without shared state: safe on any thread, one thread a value.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/indic_conjunct.h"
+
 namespace brindle {
 namespace {
 
@@ -39,9 +41,12 @@ class CharacterWalk {
     Scalar previous = firstScalar(text_.substr(position_));
     position_ += previous.length;
     utf8proc_int32_t state = 0;
+    IndicConjunct conjunct;
+    (void)conjunct.continuesWith(previous.value);
     while (position_ < text_.size()) {
       const Scalar next = firstScalar(text_.substr(position_));
-      if (breaksBetween(previous.value, next.value, state)) return;
+      const bool joined = conjunct.continuesWith(next.value);
+      if (breaksBetween(previous.value, next.value, state) && !joined) return;
       position_ += next.length;
       previous = next;
     }

@@ -10,7 +10,7 @@
 
 namespace brindle {
 
-/// The number of extended grapheme clusters (Unicode 15, UAX #29).
+/// The number of extended grapheme clusters (UAX #29 of Unicode 15.1).
 [[nodiscard]] std::size_t characterCount(std::string_view text);
 
 /// The first `count` user-perceived characters, or the whole text when it has no more.

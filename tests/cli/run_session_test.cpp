@@ -1,9 +1,12 @@
 #include "cli/run_session.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 
+#include "base/descriptor.h"
 #include "tests/cli/recorded_context.h"
 #include "tests/platform/hold_fakes.h"
 
@@ -14,7 +17,8 @@ struct RunSessionTest : testing::Test {
   /// Runs the script while the fake helper answers as told.
   RunResult run(const std::string& script) { return runWords({"/bin/sh", "-c", script}); }
   RunResult runWords(const std::vector<std::string>& words) {
-    recorded.context.signals = InheritedSignals::current();
+    // Not those of this process: an earlier test has left some blocked.
+    sigemptyset(&recorded.context.signals.blocked);
     client.onCall = [this] {
       loop.post([this] {
         if (problem) return client.noAnswer(*problem);
@@ -25,6 +29,18 @@ struct RunSessionTest : testing::Test {
                    {.words = words, .duration = Seconds{3600}, .bestEffort = bestEffort}, recorded.context);
   }
 
+  /// A command that goes on until the writing end of `gateway` is closed.
+  std::string untilClosed(int status) {
+    int ends[2];
+    EXPECT_EQ(::pipe(ends), 0);
+    EXPECT_EQ(::fcntl(ends[1], F_SETFD, FD_CLOEXEC), 0);
+    waiting = Descriptor(ends[0]);
+    gateway = Descriptor(ends[1]);
+    return "read line <&" + std::to_string(ends[0]) + "; exit " + std::to_string(status);
+  }
+
+  Descriptor waiting;
+  Descriptor gateway;
   EventLoop loop = *EventLoop::create();
   FakeHelperClient client;
   HandTimer timer;
@@ -78,8 +94,13 @@ TEST_F(RunSessionTest, RunsTheCommandAnywayWithBestEffort) {
 }
 
 TEST_F(RunSessionTest, GoesOnWhenTheTimeIsOver) {
-  loop.post([this] { loop.post([this] { timer.pass(Seconds{3600}); }); });
-  EXPECT_EQ(run("sleep 0.2; exit 4"), (RunResult{.child = ChildEnd{.exitStatus = 4}}));
+  loop.post([this] {
+    loop.post([this] {
+      timer.pass(Seconds{3600});
+      gateway.reset();
+    });
+  });
+  EXPECT_EQ(run(untilClosed(4)), (RunResult{.child = ChildEnd{.exitStatus = 4}}));
   EXPECT_EQ(client.calls, kHeldAndLetGo);
   EXPECT_EQ(recorded.remarks.text, "brindle: the time is over, sleep is on; the command goes on\n");
 }
@@ -89,9 +110,10 @@ TEST_F(RunSessionTest, GoesOnWhenTheHelperRefusesLater) {
     loop.post([this] {
       timer.pass(Seconds{30});
       client.noBeat({HelperProblemKind::refused, "not any more"});
+      gateway.reset();
     });
   });
-  EXPECT_EQ(run("sleep 0.2; exit 4"), (RunResult{.child = ChildEnd{.exitStatus = 4}}));
+  EXPECT_EQ(run(untilClosed(4)), (RunResult{.child = ChildEnd{.exitStatus = 4}}));
   EXPECT_EQ(recorded.remarks.text, "brindle: the helper refuses: not any more; the command goes on without a hold\n");
 }
 
@@ -104,14 +126,14 @@ TEST_F(RunSessionTest, RunsTheCommandWhileTheBatteryForbidsAHold) {
 
 TEST_F(RunSessionTest, PassesOnWhatAProcessSends) {
   // The shell asks its parent, which is this process, for the signal and then dies of it.
-  EXPECT_EQ(run("trap 'exit 9' USR1; kill -USR1 $PPID; while :; do sleep 0.01; done"),
+  EXPECT_EQ(run("trap 'exit 9' USR1; kill -USR1 $PPID; for turn in $(seq 100); do sleep 0.1; done"),
             (RunResult{.child = ChildEnd{.exitStatus = 9}}));
   EXPECT_EQ(client.calls, kHeldAndLetGo);
 }
 
 TEST_F(RunSessionTest, LetsGoWhenItIsInterruptedBeforeTheCommandRuns) {
   client.onCall = nullptr;
-  recorded.context.signals = InheritedSignals::current();
+  sigemptyset(&recorded.context.signals.blocked);
   loop.post([] { ::raise(SIGTERM); });
   loop.post([this] {
     client.onCall = [this] { loop.post([this] { client.sleepPending.back()(SleepReply{true, "Sleep on"}); }); };
