@@ -75,12 +75,8 @@ StopList stopTree(const HostSnapshot& snapshot, TreeQuestion question,
     list.items.back().leftAlone = member.skipReason;
   }
   spareOwnChain(list, ownChain);
-  if (!list.items.empty() && list.items.front().leftAlone) {
-    // A tree without its root would only be started again by it.
-    for (StopItem& item : list.items) {
-      if (!item.leftAlone) item.leftAlone = "Below a process that is left alone";
-    }
-  }
+  // A tree without its root would only be started again by it, so all of it is left alone with the root.
+  if (!list.items.empty() && list.items.front().leftAlone) list.items.resize(1);
   markFirst(list, byPid);
   return list;
 }
