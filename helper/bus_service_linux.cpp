@@ -62,12 +62,12 @@ Outcome BusService::publish(std::shared_ptr<Helper> helper) {
   return bus_.requestName(std::string(HelperIdentity::kBusName));
 }
 
-bool BusService::callsPending() const {
-  if (unanswered_ > 0) return true;
-  for (const auto& [name, client] : clients_) {
-    if (!client->admitted) return true;
-  }
-  return false;
+bool BusService::callsPending() const { return unanswered_ > 0 || unadmittedClients() > 0; }
+
+std::size_t BusService::unadmittedClients() const {
+  std::size_t count = 0;
+  for (const auto& [name, client] : clients_) count += client->admitted ? 0 : 1;
+  return count;
 }
 
 void BusService::exitWhenIdle() {
@@ -94,7 +94,7 @@ int BusService::receive(sd_bus_message* call, sd_bus_error* error) {
   const auto found = clients_.find(name);
   Client* client = found != clients_.end() ? found->second.get() : nullptr;
   if (client == nullptr) {
-    if (clients_.size() >= kMaxBusClients) {
+    if (clients_.size() >= kMaxBusClients || unadmittedClients() >= kMaxUnadmittedClients) {
       return sd_bus_error_set_const(error, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many clients");
     }
     client = addClient(name);

@@ -24,8 +24,11 @@
 
 namespace brindle {
 
-/// Clients that are known at once. The largest bus configurations in use allow fewer.
-inline constexpr std::size_t kMaxBusClients = 8192;
+/// Clients that are known at once. Watching one takes a match rule, of which a system bus gives each connection 512 by
+/// default; one too many would cost the helper its own connection, and every client the hold.
+inline constexpr std::size_t kMaxBusClients = 384;
+/// Clients that are not admitted yet, so that strangers whom polkit has still to judge leave room for others.
+inline constexpr std::size_t kMaxUnadmittedClients = 64;
 /// Calls of one client that wait for its admission.
 inline constexpr std::size_t kMaxWaitingCalls = 16;
 
@@ -49,6 +52,7 @@ class BusService final : public ProcessExit {
 
  private:
   struct Client;
+  [[nodiscard]] std::size_t unadmittedClients() const;
   [[nodiscard]] Client* addClient(const std::string& name);
   void clientVanished(const std::string& name);
   void admissionAnswered(const std::string& name, bool admitted);

@@ -81,6 +81,17 @@ std::optional<std::uint64_t> parseSwapBytes(std::string_view text) {
   return std::nullopt;
 }
 
+std::vector<std::int32_t> parsePidList(std::string_view text) {
+  std::vector<std::int32_t> pids;
+  while (!text.empty()) {
+    const auto pid = unsignedFrom(takePiece(text, ' '));
+    if (pid && *pid > 0 && *pid <= std::numeric_limits<std::int32_t>::max()) {
+      pids.push_back(static_cast<std::int32_t>(*pid));
+    }
+  }
+  return pids;
+}
+
 std::optional<std::uint64_t> parseSocketLink(std::string_view link) {
   constexpr std::string_view kHead = "socket:[";
   if (!link.starts_with(kHead) || !link.ends_with(']')) return std::nullopt;

@@ -38,6 +38,9 @@ inline constexpr std::size_t kVariableByteLimit = 256;
 /// The bytes of the line "VmSwap:" of /proc/PID/status; none when there is no such line.
 [[nodiscard]] std::optional<std::uint64_t> parseSwapBytes(std::string_view text);
 
+/// The pids of /proc/PID/task/TID/children in their order; pieces that are no pid are left out.
+[[nodiscard]] std::vector<std::int32_t> parsePidList(std::string_view text);
+
 /// The inode of a descriptor's link "socket:[12345]"; none for other links.
 [[nodiscard]] std::optional<std::uint64_t> parseSocketLink(std::string_view link);
 

@@ -40,6 +40,8 @@ struct ProcessFacts {
   std::int64_t startTime = 0;
   /// Bytes.
   std::uint64_t footprint = 0;
+  /// Seconds of one core spent since the start.
+  double cpuSeconds = 0;
   /// Percent of one core; absent when not sampled.
   std::optional<double> cpuPercent;
   /// TCP ports it listens on, ascending, each once.

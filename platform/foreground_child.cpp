@@ -28,6 +28,18 @@ class InheritedPipeAction {
   struct sigaction before_ {};
 };
 
+/// Lets the default action of `signal` happen to this process, also when the signal is blocked.
+void takeSignal(int signal) {
+  sigset_t only;
+  sigemptyset(&only);
+  sigaddset(&only, signal);
+  sigset_t before;
+  // Raised while it may be blocked: one that waits already and this one become one.
+  ::raise(signal);
+  ::pthread_sigmask(SIG_UNBLOCK, &only, &before);
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
 }  // namespace
 
 struct ForegroundChild::Watch {
@@ -51,7 +63,7 @@ void ForegroundChild::Watch::look() {
     if (info.si_code == CLD_STOPPED) {
       // Whoever waits for this program must see the whole job stopped. It returns when the shell continues the job;
       // the shell may have told this process alone.
-      ::kill(::getpid(), SIGSTOP);
+      takeSignal(info.si_status);
       ::kill(pid, SIGCONT);
       continue;
     }
@@ -82,11 +94,7 @@ void dieOf(int signal) {
   struct sigaction action {};
   action.sa_handler = SIG_DFL;
   ::sigaction(signal, &action, nullptr);
-  sigset_t only;
-  sigemptyset(&only);
-  sigaddset(&only, signal);
-  ::raise(signal);
-  ::pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+  takeSignal(signal);
 }
 
 Result<ForegroundChild> ForegroundChild::start(EventLoop& loop, const Spec& spec, std::function<void(ChildEnd)> ended) {

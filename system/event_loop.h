@@ -74,13 +74,14 @@ class EventLoop {
   /// Calls `handler` every `interval`, the first time one interval from now. Calls that were missed, for instance
   /// while the machine slept, are made up by a single one.
   [[nodiscard]] Result<EventSource> every(Seconds interval, Handler handler);
-  /// Calls `handler` for each `signal` from now on instead of its default action. The signal is blocked in the
-  /// calling thread and stays so after the source is gone.
+  /// Calls `handler` for each `signal` from now on instead of its default action, which stays away after the source
+  /// is gone. One source a signal. Where the system needs it the signal is blocked in the calling thread, so whoever
+  /// starts a program says what is blocked in it.
   [[nodiscard]] Result<EventSource> onSignal(int signal, std::function<void(SignalNote)> handler);
   /// Calls `handler` whenever `descriptor` can be read or has reached its end. The descriptor stays the caller's and
   /// must outlive the source.
   [[nodiscard]] Result<EventSource> onReadable(int descriptor, Handler handler);
-  /// Calls `handler` once when the child ends, and reaps it afterwards. SIGCHLD is blocked as in onSignal().
+  /// Calls `handler` once when the child ends, and reaps it. SIGCHLD is treated as in onSignal().
   [[nodiscard]] Result<EventSource> onChildEnd(pid_t child, std::function<void(ChildEnd)> handler);
 
   /// The platform's own loop, for the wrappers in this folder.

@@ -1,63 +1,25 @@
-// The loop over kqueue: one queue, one event at a time, every source a filter of it.
+// The loop over the kernel's event queue: every source is a filter of it, and work for later is its user event.
 #include <sys/event.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <csignal>
-#include <cstdint>
 #include <deque>
 #include <mutex>
+#include <optional>
 
-#include "base/descriptor.h"
 #include "system/event_loop.h"
+#include "system/kernel_queue_macos.h"
 
 namespace brindle {
 namespace {
 
-constexpr double kLongestDelaySeconds = 1e9;
-// The one user event of a queue: work was posted.
-constexpr std::uintptr_t kWakeIdent = 0;
+// Handlers are shared, so that one may destroy its own source and still run to its end.
 
-struct Filter {
-  std::uintptr_t ident = 0;
-  std::int16_t kind = 0;
-  unsigned int notes = 0;
-  std::int64_t data = 0;
-  unsigned short flags = 0;
-};
-
-int change(int queue, const Filter& filter, unsigned short action, void* source) {
-  struct kevent64_s event = {};
-  event.ident = filter.ident;
-  event.filter = filter.kind;
-  event.flags = static_cast<unsigned short>(action | filter.flags);
-  event.fflags = filter.notes;
-  event.data = filter.data;
-  event.udata = reinterpret_cast<std::uintptr_t>(source);
-  return kevent64(queue, &event, 1, nullptr, 0, 0, nullptr) < 0 ? errno : 0;
-}
-
-// What the loop calls for an event. A handler is shared, so that it may destroy its own source and still run to its
-// end. Events are taken from the queue one at a time, so that none can name a source that is gone.
-struct QueueSource : EventSource::Body {
-  QueueSource(int queueNumber, Filter sourceFilter) : queue(queueNumber), filter(sourceFilter) {}
-  // Fails when the event was the filter's last; then there is nothing left to delete.
-  ~QueueSource() override { static_cast<void>(change(queue, filter, EV_DELETE, nullptr)); }
-  QueueSource(const QueueSource&) = delete;
-  QueueSource& operator=(const QueueSource&) = delete;
-
-  virtual void happened() = 0;
-
-  int queue = -1;
-  Filter filter;
-};
-
-struct PlainSource : QueueSource {
-  PlainSource(int queueNumber, Filter sourceFilter, EventLoop::Handler function)
-      : QueueSource(queueNumber, sourceFilter), handler(std::make_shared<EventLoop::Handler>(std::move(function))) {}
+struct PlainSource final : QueueSource {
+  PlainSource(KernelQueue& queue, EventLoop::Handler function)
+      : QueueSource(queue), handler(std::make_shared<EventLoop::Handler>(std::move(function))) {}
   void happened() override {
     const auto kept = handler;
     (*kept)();
@@ -76,24 +38,22 @@ bool comesFromTerminal(int signal) {
   return false;
 }
 
-struct SignalSource : QueueSource {
+struct SignalSource final : QueueSource {
   using Function = std::function<void(SignalNote)>;
-  SignalSource(int queueNumber, Filter sourceFilter, Function function)
-      : QueueSource(queueNumber, sourceFilter), handler(std::make_shared<Function>(std::move(function))) {}
+  SignalSource(KernelQueue& queue, int signal, Function function)
+      : QueueSource(queue), number(signal), handler(std::make_shared<Function>(std::move(function))) {}
   void happened() override {
     const auto kept = handler;
-    const int number = static_cast<int>(filter.ident);
     (*kept)({.number = number, .fromProcess = !comesFromTerminal(number)});
   }
+  int number = 0;
   std::shared_ptr<Function> handler;
 };
 
-struct ChildSource : QueueSource {
+struct ChildSource final : QueueSource {
   using Function = std::function<void(ChildEnd)>;
-  ChildSource(int queueNumber, Filter sourceFilter, Function function)
-      : QueueSource(queueNumber, sourceFilter),
-        child(static_cast<pid_t>(sourceFilter.ident)),
-        handler(std::make_shared<Function>(std::move(function))) {}
+  ChildSource(KernelQueue& queue, pid_t process, Function function)
+      : QueueSource(queue), child(process), handler(std::make_shared<Function>(std::move(function))) {}
   void happened() override {
     const auto kept = handler;
     // The note comes when the child begins to end; its status is there a moment later.
@@ -101,10 +61,8 @@ struct ChildSource : QueueSource {
     while (waitpid(child, &status, 0) < 0) {
       if (errno != EINTR) return;
     }
-    ChildEnd end;
-    (WIFSIGNALED(status) ? end.killedBy : end.exitStatus) =
-        WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
-    (*kept)(end);
+    const bool killed = WIFSIGNALED(status);
+    (*kept)({.exitStatus = killed ? 0 : WEXITSTATUS(status), .killedBy = killed ? WTERMSIG(status) : 0});
   }
   pid_t child = -1;
   std::shared_ptr<Function> handler;
@@ -123,24 +81,14 @@ Outcome disarmSignal(int signal) {
   return {};
 }
 
-// Never 0, which is no timer; NaN counts as no time at all.
-std::int64_t nanoseconds(Seconds span) {
-  if (!(span.count() > 0)) return 1;
-  return std::max<std::int64_t>(1, std::llround(std::min(span.count(), kLongestDelaySeconds) * 1e9));
-}
-
 // Whether the process is a child of ours that has ended and waits to be reaped.
 bool waitsForReaping(pid_t child) {
   siginfo_t info = {};
   return waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
-template <typename Source, typename Function>
-Result<EventSource> add(int queue, const Filter& filter, Function handler, const char* doing) {
-  auto source = std::make_unique<Source>(queue, filter, std::move(handler));
-  if (const int code = change(queue, filter, EV_ADD, static_cast<QueueSource*>(source.get())); code != 0) {
-    return fail(code, doing);
-  }
+Result<EventSource> entered(std::unique_ptr<QueueSource> source, const QueueFilter& filter, const char* doing) {
+  if (auto outcome = source->enter(filter, doing); !outcome) return tl::make_unexpected(outcome.error());
   return EventSource(std::move(source));
 }
 
@@ -148,8 +96,7 @@ Result<EventSource> add(int queue, const Filter& filter, Function handler, const
 
 // The mutex guards `posted`; all else belongs to the loop's thread.
 struct EventLoop::Native {
-  Descriptor queue;
-  std::uintptr_t timers = 0;
+  KernelQueue queue;
   std::mutex mutex;
   std::deque<Handler> posted;
   std::optional<int> exitCode;
@@ -165,15 +112,6 @@ struct EventLoop::Native {
       handler();
     }
   }
-
-  // The clock that goes on while the machine sleeps, so that a limit on a hold is met right after waking.
-  Filter timer(Seconds span, unsigned short flags) {
-    return {.ident = ++timers,
-            .kind = EVFILT_TIMER,
-            .notes = NOTE_NSECONDS | NOTE_MACH_CONTINUOUS_TIME | NOTE_CRITICAL,
-            .data = nanoseconds(span),
-            .flags = flags};
-  }
 };
 
 EventLoop::EventLoop(std::unique_ptr<Native> native) : native_(std::move(native)) {}
@@ -183,27 +121,15 @@ EventLoop::~EventLoop() = default;
 
 Result<EventLoop> EventLoop::create() {
   auto native = std::make_unique<Native>();
-  // Neither a forked child nor its program inherits a kqueue, so there is no flag to set.
-  native->queue = Descriptor(kqueue());
-  if (!native->queue) return fail(errno, "create event loop");
-  const Filter wake{.ident = kWakeIdent, .kind = EVFILT_USER, .flags = EV_CLEAR};
-  if (const int code = change(native->queue.get(), wake, EV_ADD, nullptr); code != 0) {
-    return fail(code, "create event loop");
-  }
+  if (auto opened = native->queue.open(); !opened) return tl::make_unexpected(opened.error());
   return EventLoop(std::move(native));
 }
 
 int EventLoop::run() {
   while (!native_->exitCode) {
-    struct kevent64_s event = {};
-    const int count = kevent64(native_->queue.get(), nullptr, 0, &event, 1, 0, nullptr);
-    if (count < 0 && errno != EINTR) return -errno;
-    if (count <= 0) continue;
-    if (event.filter == EVFILT_USER) {
-      native_->runPosted();
-    } else {
-      reinterpret_cast<QueueSource*>(static_cast<std::uintptr_t>(event.udata))->happened();
-    }
+    const auto served = native_->queue.serveOne();
+    if (!served) return -served.error().code;
+    if (!*served) native_->runPosted();
   }
   return *native_->exitCode;
 }
@@ -217,44 +143,44 @@ void EventLoop::post(Handler handler) {
     const std::lock_guard lock(native_->mutex);
     native_->posted.push_back(std::move(handler));
   }
-  const Filter wake{.ident = kWakeIdent, .kind = EVFILT_USER, .notes = NOTE_TRIGGER};
-  static_cast<void>(change(native_->queue.get(), wake, 0, nullptr));
+  native_->queue.wake();
 }
 
 Result<EventSource> EventLoop::after(Seconds delay, Handler handler) {
-  const auto filter = native_->timer(delay, EV_ONESHOT);
-  return add<PlainSource>(native_->queue.get(), filter, std::move(handler), "start timer");
+  auto source = std::make_unique<PlainSource>(native_->queue, std::move(handler));
+  return entered(std::move(source), native_->queue.timer(delay, true), "start timer");
 }
 
-// A kqueue timer counts the calls that were missed in its one event.
+// The queue's repeating timers count the times that were missed in one event.
 Result<EventSource> EventLoop::every(Seconds interval, Handler handler) {
   if (!(interval.count() > 0)) return fail(EINVAL, "start timer");
-  const auto filter = native_->timer(interval, 0);
-  return add<PlainSource>(native_->queue.get(), filter, std::move(handler), "start timer");
+  auto source = std::make_unique<PlainSource>(native_->queue, std::move(handler));
+  return entered(std::move(source), native_->queue.timer(interval, false), "start timer");
 }
 
 Result<EventSource> EventLoop::onSignal(int signal, std::function<void(SignalNote)> handler) {
   if (auto disarmed = disarmSignal(signal); !disarmed) return tl::make_unexpected(disarmed.error());
-  const Filter filter{.ident = static_cast<std::uintptr_t>(signal), .kind = EVFILT_SIGNAL};
-  return add<SignalSource>(native_->queue.get(), filter, std::move(handler), "watch signal");
+  auto source = std::make_unique<SignalSource>(native_->queue, signal, std::move(handler));
+  return entered(std::move(source), {.ident = static_cast<std::uintptr_t>(signal), .kind = EVFILT_SIGNAL},
+                 "watch signal");
 }
 
 Result<EventSource> EventLoop::onReadable(int descriptor, Handler handler) {
-  const Filter filter{.ident = static_cast<std::uintptr_t>(descriptor), .kind = EVFILT_READ};
-  return add<PlainSource>(native_->queue.get(), filter, std::move(handler), "watch descriptor");
+  auto source = std::make_unique<PlainSource>(native_->queue, std::move(handler));
+  return entered(std::move(source), {.ident = static_cast<std::uintptr_t>(descriptor), .kind = EVFILT_READ},
+                 "watch descriptor");
 }
 
 Result<EventSource> EventLoop::onChildEnd(pid_t child, std::function<void(ChildEnd)> handler) {
-  const Filter filter{
+  auto source = std::make_unique<ChildSource>(native_->queue, child, std::move(handler));
+  const QueueFilter end{
       .ident = static_cast<std::uintptr_t>(child), .kind = EVFILT_PROC, .notes = NOTE_EXIT, .flags = EV_ONESHOT};
-  auto source = std::make_unique<ChildSource>(native_->queue.get(), filter, std::move(handler));
-  int code = change(native_->queue.get(), source->filter, EV_ADD, static_cast<QueueSource*>(source.get()));
+  auto outcome = source->enter(end, "watch child");
   // A child that has ended already sends no note any more: a timer that is due at once stands in for it.
-  if (code == ESRCH && waitsForReaping(child)) {
-    source->filter = native_->timer(Seconds{0}, EV_ONESHOT);
-    code = change(native_->queue.get(), source->filter, EV_ADD, static_cast<QueueSource*>(source.get()));
+  if (!outcome && outcome.error().code == ESRCH && waitsForReaping(child)) {
+    outcome = source->enter(native_->queue.timer(Seconds{0}, true), "watch child");
   }
-  if (code != 0) return fail(code, "watch child");
+  if (!outcome) return tl::make_unexpected(outcome.error());
   return EventSource(std::move(source));
 }
 

@@ -23,7 +23,7 @@ class ScriptedInhibitor final : public Inhibitor {
     requests.push_back(request);
     if (refusal) return tl::make_unexpected(*refusal);
     int ends[2];
-    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return fail(errno, "pipe");
+    if (pipe(ends) != 0 || fcntl(ends[0], F_SETFL, O_NONBLOCK) != 0) return fail(errno, "pipe");
     reading.emplace_back(ends[0]);
     return Descriptor(ends[1]);
   }

@@ -23,8 +23,9 @@ import signal
 import subprocess
 import sys
 import tempfile
-import threading
 import time
+
+from watched_process import WAIT_SECONDS, Process, die_with_parent, wait_until  # noqa: F401
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 LOGIND = "/lib/systemd/systemd-logind"
@@ -34,7 +35,6 @@ LOCK_WHO = "Brindle"
 LOCK_WHY = "Coding agents are working"
 STAND_IN_INTERFACE = "app.brindle.StandIn"
 NOBODY = 65534
-WAIT_SECONDS = 10.0
 
 Lock = collections.namedtuple("Lock", "what who why mode uid pid")
 Reply = collections.namedtuple("Reply", "ok message")
@@ -46,13 +46,13 @@ class Unavailable(Exception):
 
 
 def build_dir():
-    """BRINDLE_BUILD_DIR, or the release build, or the development build."""
+    """BRINDLE_BUILD_DIR, or whichever build has the newest helper."""
     if "BRINDLE_BUILD_DIR" in os.environ:
         return pathlib.Path(os.environ["BRINDLE_BUILD_DIR"])
-    for preset in ("release", "dev"):
-        if (ROOT / "build" / preset / "bin" / "BrindleHelper").exists():
-            return ROOT / "build" / preset
-    raise Unavailable("BrindleHelper is not built")
+    programs = list((ROOT / "build").glob("*/bin/BrindleHelper"))
+    if not programs:
+        raise Unavailable("BrindleHelper is not built")
+    return max(programs, key=lambda program: program.stat().st_mtime).parents[1]
 
 
 def app_id():
@@ -96,80 +96,6 @@ def check_available():
         if not os.path.exists(LOGIND):
             raise Unavailable(LOGIND + " is not installed")
         enter_namespace()
-
-
-def die_with_parent():
-    """In a child before exec: a killed test leaves nothing behind."""
-    pr_set_pdeathsig = 1
-    ctypes.CDLL(None).prctl(pr_set_pdeathsig, signal.SIGKILL)
-
-
-def wait_until(predicate, what, seconds=WAIT_SECONDS):
-    """The first true value of predicate(); AssertionError with `what` when there is none in time."""
-    end = time.monotonic() + seconds
-    while True:
-        value = predicate()
-        if value:
-            return value
-        if time.monotonic() >= end:
-            raise AssertionError(f"waited {seconds:g} s in vain until {what}")
-        time.sleep(0.002)
-
-
-class Process:
-    """A child whose output is collected line by line."""
-
-    def __init__(self, command, env, **options):
-        user = options.pop("user", None)
-
-        def prepare():
-            if user is not None:
-                os.setgroups([])
-                os.setgid(user)
-                os.setuid(user)
-            die_with_parent()  # after setuid, which clears it
-
-        self.lines = []
-        self.popen = subprocess.Popen(
-            [str(word) for word in command], env=env, stdin=options.get("stdin", subprocess.DEVNULL),
-            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, bufsize=1, preexec_fn=prepare)
-        self._reader = threading.Thread(target=self._read, daemon=True)
-        self._reader.start()
-
-    def _read(self):
-        for line in self.popen.stdout:
-            self.lines.append(line.rstrip("\n"))
-
-    @property
-    def pid(self):
-        return self.popen.pid
-
-    def running(self):
-        return self.popen.poll() is None
-
-    def wait_line(self, pattern, seconds=WAIT_SECONDS):
-        """The match in the first line that has one."""
-        def find():
-            return next((m for m in (re.search(pattern, line) for line in list(self.lines)) if m), None)
-        return wait_until(find, f"a line matches {pattern!r}; there is {self.lines!r}", seconds)
-
-    def signal(self, number):
-        os.kill(self.pid, number)
-
-    def wait(self, seconds=WAIT_SECONDS):
-        """The exit status; negative for a signal. All output has been read when it returns."""
-        status = self.popen.wait(seconds)
-        self._reader.join(seconds)
-        return status
-
-    def stop(self):
-        if self.running():
-            os.kill(self.pid, signal.SIGKILL)
-        if self.popen.stdin:
-            self.popen.stdin.close()
-        self.popen.wait()
-        self._reader.join(WAIT_SECONDS)
-        self.popen.stdout.close()
 
 
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
@@ -328,9 +254,9 @@ class System:
         wait_until(lambda: self.owner("org.freedesktop.PolicyKit1"), "polkitd is up")
         return polkit
 
-    def start_helper(self):
-        """Starts BrindleHelper and waits until it owns its name."""
-        self.helper = self.start([build_dir() / "bin" / "BrindleHelper"])
+    def start_helper(self, env=None, wrapper=()):
+        """Starts BrindleHelper, behind the words of `wrapper` if any, and waits until it owns its name."""
+        self.helper = self.start([*wrapper, build_dir() / "bin" / "BrindleHelper"], env=env)
         wait_until(lambda: self.owner(self.helper_name) or not self.helper.running(), "the helper is up")
         assert self.helper.running(), self.helper.lines
         return self.helper
@@ -392,7 +318,9 @@ class ClientProcess(Process):
         self.wait_line("^ready$")
 
     def ask(self, request, seconds=WAIT_SECONDS):
-        """"off SECONDS", "on", "heartbeat", "status" or "exit"; the reply as a line of text."""
+        """"off SECONDS", "on", "heartbeat", "status" or "exit"; the reply as a line of text. "burst COUNT" sends that
+        many heartbeats without waiting, and then one whose reply it waits for; "crowd COUNT" sends each of the former
+        over a connection of its own."""
         already = len(self.lines)
         self.popen.stdin.write(request + "\n")
         self.popen.stdin.flush()
@@ -401,7 +329,9 @@ class ClientProcess(Process):
 
 def run_client(address, name, path, interface):
     import dbus.bus
+    import dbus.lowlevel
     connection = dbus.bus.BusConnection(address)
+    crowd = []
     print("ready", flush=True)
     calls = {"off": ("SetSleepDisabled", "bd", True), "on": ("SetSleepDisabled", "bd", False, 0.0),
              "heartbeat": ("Heartbeat", ""), "status": ("Status", "")}
@@ -409,6 +339,14 @@ def run_client(address, name, path, interface):
         word, *rest = line.split()
         if word == "exit":
             return
+        if word in ("burst", "crowd"):
+            for _ in range(int(rest.pop())):
+                crowd.append(dbus.bus.BusConnection(address) if word == "crowd" else connection)
+                message = dbus.lowlevel.MethodCallMessage(name, path, interface, "Heartbeat")
+                message.set_no_reply(True)
+                crowd[-1].send_message(message)
+                crowd[-1].get_unix_user(name)  # answered only after the bus has passed the heartbeat on
+            word = "heartbeat"
         member, signature, *arguments = calls[word]
         try:
             reply = connection.call_blocking(name, path, interface, member, signature,
@@ -426,7 +364,10 @@ def main(tests):
         print(f"SKIPPED: {reason}")
         sys.exit(77)
     import unittest
-    unittest.main(module=tests, verbosity=2)
+    result = unittest.main(module=tests, verbosity=2, exit=False).result
+    if result.wasSuccessful() and result.testsRun == len(result.skipped):
+        sys.exit(77)
+    sys.exit(0 if result.wasSuccessful() else 1)
 
 
 if __name__ == "__main__" and sys.argv[1:2] == ["client"]:

@@ -102,6 +102,28 @@ class Strangers(DaemonCase):
         self.assert_not_held()
         self.assertEqual(self.log_count("reason request"), 0)
 
+    def test_may_have_sixteen_calls_waiting_and_no_more(self):
+        limit = "error org.freedesktop.DBus.Error.LimitsExceeded too many calls before admission"
+        self.start_polkit("return polkit.Result.YES;")
+        polkit = self.system.processes[-1]
+        polkit.signal(signal.SIGSTOP)
+        greedy, modest = self.client_process(NOBODY), self.client_process(NOBODY)
+        self.assertEqual(greedy.ask("burst 16"), limit)
+        modest.popen.stdin.write("burst 15\n")
+        modest.popen.stdin.flush()
+        polkit.signal(signal.SIGCONT)
+        modest.wait_line("^0$")
+
+    def test_leave_room_for_others_while_many_of_them_wait(self):
+        limit = "error org.freedesktop.DBus.Error.LimitsExceeded too many clients"
+        self.start_polkit("return polkit.Result.YES;")
+        polkit = self.system.processes[-1]
+        polkit.signal(signal.SIGSTOP)
+        crowd = self.client_process(NOBODY)
+        self.assertEqual(crowd.ask("crowd 64"), limit)
+        polkit.signal(signal.SIGCONT)
+        self.wait_until(lambda: crowd.ask("heartbeat") == "0", "there is room again")
+
 
 if __name__ == "__main__":
     private_system.main(__name__)

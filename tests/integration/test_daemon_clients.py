@@ -169,6 +169,21 @@ class EndOfClients(DaemonCase):
         self.assertEqual(descriptor_count(self.helper.pid), descriptors)
         self.assertLess(resident_kilobytes(self.helper.pid) - memory, 128)
 
+    def test_there_are_at_most_384_clients_and_room_again_when_one_goes(self):
+        holder = self.client()
+        self.hold(holder)
+        others = [self.client() for _ in range(383)]
+        for client in others:
+            self.assertTrue(client.heartbeat())
+        late = self.client()
+        limit = "org.freedesktop.DBus.Error.LimitsExceeded"
+        self.assertEqual(self.assert_error(limit, late.heartbeat), "too many clients")
+        self.assertTrue(holder.heartbeat(), "the hold is not touched")
+        self.assert_held()
+        others[0].close()
+        self.system.wait_lock(False)
+        self.assertEqual(late.set_sleep_disabled(True), (True, "Sleep disabled"))
+
 
 if __name__ == "__main__":
     private_system.main(__name__)

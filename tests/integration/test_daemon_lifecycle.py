@@ -1,7 +1,9 @@
 """Start, end and restarts of the daemon, of the login manager and of the bus."""
 
 import os
+import shutil
 import signal
+import socket
 import unittest
 
 import private_system
@@ -173,6 +175,67 @@ class FailingLoginManager(DaemonCase):
         self.assert_not_held()
         self.system.stand_in("RefuseLocks", "b", False)
         self.system.wait_lock(True)
+
+
+class Listener:
+    """A datagram socket on which the daemon is expected to speak."""
+
+    def __init__(self, case, path):
+        self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        case.addCleanup(self.socket.close)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        self.socket.bind(path)
+        case.addCleanup(os.unlink, path)
+        self.socket.settimeout(private_system.WAIT_SECONDS)
+
+    def receive(self):
+        return self.socket.recv(65536).decode()
+
+
+class ServiceManager(DaemonCase):
+    starts_helper = False
+
+    def test_hears_that_the_daemon_is_ready_only_once_it_can_be_called(self):
+        path = str(self.system.folder / "notify")
+        listener = Listener(self, path)
+        self.helper = self.system.start([private_system.build_dir() / "bin" / "BrindleHelper"],
+                                        env={"NOTIFY_SOCKET": path})
+        self.assertEqual(listener.receive(), "READY=1")
+        self.assertEqual(self.client().status(), (False, 0.0, 1))
+
+    @unittest.skipIf(shutil.which("setpriv") is None or not private_system.is_root(),
+                     "SKIPPED: only root with setpriv can take rights away")
+    def test_may_take_every_right_away_that_its_unit_takes(self):
+        self.helper = self.system.start_helper(wrapper=[
+            "setpriv", "--bounding-set=-all", "--inh-caps=-all", "--securebits=+noroot,+noroot_locked",
+            "--no-new-privs"])
+        with open(f"/proc/{self.helper.pid}/status", encoding="ascii") as status:
+            self.assertIn("CapEff:\t0000000000000000\n", status.readlines())
+        client = self.client()
+        self.hold(client)
+        self.assertEqual(client.set_sleep_disabled(False), (True, "Sleep on"))
+
+
+@unittest.skipUnless(private_system.is_root(), "SKIPPED: only root can have a journal of its own")
+class Journal(DaemonCase):
+    starts_helper = False
+
+    def test_gets_the_log_under_the_helpers_name_with_its_levels(self):
+        listener = Listener(self, "/run/systemd/journal/socket")
+        self.helper = self.system.start_helper()
+        self.assertEqual(self.entry(listener), ("helper started, turning sleep back on", "6"))
+        self.assertEqual(self.entry(listener), ("close(no lock) exit 0 reason helperStart", "6"))
+        self.system.kill_logind()
+        self.client().set_sleep_disabled(True)
+        text, level = self.entry(listener)
+        self.assertTrue(text.startswith("logind gave no lock: org.freedesktop.DBus.Error."), text)
+        self.assertEqual(level, "3")
+        self.assertEqual(self.helper.lines, [], "nothing is said twice")
+
+    def entry(self, listener):
+        fields = dict(line.split("=", 1) for line in listener.receive().splitlines())
+        self.assertEqual(fields.pop("SYSLOG_IDENTIFIER"), self.system.helper_name)
+        return fields["MESSAGE"], fields["PRIORITY"]
 
 
 class Activation(DaemonCase):

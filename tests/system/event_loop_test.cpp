@@ -141,7 +141,7 @@ TEST_F(EventLoopSignal, RefusesASignalThatNobodyCanCatch) {
 
 TEST_F(EventLoopDescriptor, CallsWhenThereIsSomethingToReadAndAtTheEnd) {
   int ends[2];
-  ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+  ASSERT_EQ(pipe(ends), 0);
   const Descriptor reading(ends[0]);
   Descriptor writing(ends[1]);
   const auto source = loop.onReadable(reading.get(), [&] {
