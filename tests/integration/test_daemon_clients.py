@@ -2,7 +2,10 @@
 
 import math
 import os
+import random
 import signal
+
+import dbus
 
 import private_system
 from daemon_case import INHIBIT, DaemonCase
@@ -75,6 +78,26 @@ class Requests(DaemonCase):
         self.assert_error(invalid, client.call, "Status", "s", "now")
         self.assert_error("org.freedesktop.DBus.Error.UnknownMethod", client.call, "Reboot")
         self.assert_not_held()
+        self.assertEqual(client.status(), (False, 0.0, 1))
+
+    def test_no_call_whatever_it_is_harms_the_daemon(self):
+        chance = random.Random(20)
+        values = {"b": True, "d": 1e308, "s": "\u00e4" * 1000, "x": -2**63, "u": 2**32 - 1, "as": ["a"] * 500,
+                  "a{sv}": {"a": 1}, "v": "text", "y": 255, "o": "/a/b", "g": "bd"}
+        client = self.client()
+        answered = 0
+        for _ in range(500):
+            parts = chance.choices(sorted(values), k=chance.randrange(6))
+            if parts == ["b", "d"]:
+                continue  # a request like any other
+            member = chance.choice(["SetSleepDisabled", "Heartbeat", "Status", "Introspect", "Set", "X" * 255])
+            try:
+                client.call(member, "".join(parts), *(values[part] for part in parts))
+                answered += 1
+            except dbus.DBusException as error:
+                self.assertIn(error.get_dbus_name().rsplit(".", 1)[1], ("InvalidArgs", "UnknownMethod"))
+        self.assertGreater(answered, 5)
+        self.assertTrue(self.helper.running())
         self.assertEqual(client.status(), (False, 0.0, 1))
 
     def test_calls_of_one_client_are_answered_in_their_order(self):
