@@ -1,9 +1,11 @@
+#include "platform/helper_client.h"
+
 #include <algorithm>
 #include <array>
 #include <map>
+#include <optional>
 
 #include "logic/helper/helper_identity.h"
-#include "platform/helper_client.h"
 #include "system/bus_connection_linux.h"
 
 namespace brindle {

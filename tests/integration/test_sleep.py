@@ -76,6 +76,24 @@ class SleepOff(CommandCase):
         self.assertEqual(process.wait(), 130)
         self.assertNotIn("Sleep is on.", process.lines)
 
+    def test_letting_go_does_not_wait_for_a_helper_that_hangs(self):
+        process = self.start_off()
+        self.helper.signal(signal.SIGSTOP)
+        process.signal(signal.SIGINT)
+        self.assertEqual(process.wait(), 130)
+        self.assertEqual(process.lines[-1], "brindle: let go without an answer: the helper has not answered")
+        self.helper.signal(signal.SIGCONT)
+        self.system.wait_lock(False)
+
+    def test_a_second_signal_does_not_wait_at_all(self):
+        process = self.start_off()
+        self.helper.signal(signal.SIGSTOP)
+        process.signal(signal.SIGINT)
+        process.signal(signal.SIGTERM)
+        self.assertEqual(process.wait(1.5), 128 + signal.SIGTERM)
+        self.helper.signal(signal.SIGCONT)
+        self.system.wait_lock(False)
+
     def test_a_second_holder_learns_that_it_shares(self):
         self.start_off()
         second = self.start("sleep", "off")
