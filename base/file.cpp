@@ -47,8 +47,8 @@ int writeAndRename(const std::string& temporary, const std::string& path, std::s
   Descriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode));
   if (!file) return errno;
   int code = writeAll(file, bytes);
-  // Without it a crash of the machine can leave the new name with none of its bytes.
-  if (code == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) code = errno;
+  // Without it a crash of the machine can leave the new name with none of its bytes; an empty file has none to lose.
+  if (code == 0 && !bytes.empty() && ::fsync(file.get()) != 0 && errno != EINVAL) code = errno;
   // Some file systems report a full disk only here.
   if (::close(file.release()) != 0 && code == 0 && errno != EINTR) code = errno;
   if (code == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) code = errno;

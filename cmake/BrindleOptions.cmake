@@ -9,6 +9,9 @@ set(BRINDLE_SANITIZE "" CACHE STRING "Value of -fsanitize=, empty for none")
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 20)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_OBJCXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
@@ -22,9 +25,13 @@ target_compile_options(brindle_warnings INTERFACE
 if(BRINDLE_WERROR)
   target_compile_options(brindle_warnings INTERFACE -Werror)
 endif()
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND BRINDLE_SANITIZE)
-  # GCC 12 reports false "maybe uninitialized" for optionals and variants that the sanitizers instrument.
-  target_compile_options(brindle_warnings INTERFACE -Wno-maybe-uninitialized)
+if(APPLE)
+  add_compile_options($<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 sees overlapping copies in string concatenations that it inlines (GCC bug 105651), and with
+  # optimisation or sanitizers uninitialised members of optionals and variants that are not engaged.
+  target_compile_options(brindle_warnings INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
 endif()
 
 add_library(brindle_flags INTERFACE)

@@ -1,0 +1,43 @@
+#include "cli/hold_text.h"
+
+#include "cli/duration_text.h"
+#include "logic/helper/lid_sleep_limits.h"
+
+namespace brindle {
+
+HoldDuration holdDuration(const std::optional<std::string>& text) {
+  if (!text) return {.duration = LidSleepLimits::defaultDuration};
+  const auto parsed = parseDuration(*text);
+  if (!parsed) return {.problem = "--for " + *text + ": " + std::string(kDurationExpectation)};
+  if (parsed->count() <= 0) return {.problem = "--for " + *text + ": expected more than nothing"};
+  if (*parsed > LidSleepLimits::maxDuration) {
+    return {.problem =
+                "--for " + *text + ": sleep stays off for " + durationText(LidSleepLimits::maxDuration) + " at most"};
+  }
+  return {.duration = *parsed};
+}
+
+std::string problemText(const HelperProblem& problem) {
+  switch (problem.kind) {
+    case HelperProblemKind::notInstalled:
+    case HelperProblemKind::unreachable:
+      return "no helper to talk to: " + problem.text;
+    case HelperProblemKind::refused:
+      return "the helper refuses: " + problem.text;
+  }
+  return problem.text;
+}
+
+std::string endText(const HoldNews& news) {
+  if (news.problem) return problemText({*news.problem, news.text});
+  if (news.end == HoldEnd::maxDurationReached) return "sleep stays on: " + news.text + " 'brindle sleep on' does that";
+  return "sleep stays on: " + news.text;
+}
+
+std::string interruptionText(const HoldNews& news) {
+  const std::string why = news.text.empty() ? "" : ": " + news.text;
+  if (news.phase == HoldPhase::paused) return "sleep is on for now" + why;
+  return "sleep is on, asking again soon" + why;
+}
+
+}  // namespace brindle

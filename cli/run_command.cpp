@@ -1,0 +1,56 @@
+// `brindle run [--for DURATION] [--best-effort] -- COMMAND…`.
+#include "cli/command_line.h"
+#include "cli/commands.h"
+#include "cli/exit_code.h"
+#include "cli/hold_text.h"
+#include "cli/run_session.h"
+
+namespace brindle {
+
+namespace {
+
+/// Everything that holds sleep off lives and ends in here, before this process may die of the command's signal.
+RunResult runHere(const RunRequest& request, CommandContext& context) {
+  auto loop = EventLoop::create();
+  if (!loop) {
+    context.output.remark(loop.error().message());
+    return {.code = ExitCode::kFailure};
+  }
+  const auto client = connectToHelper(*loop);
+  LoopHoldTimer timer(*loop);
+  OpenPowerGate gate;
+  return runHeld(*loop, {.client = *client, .timer = timer, .gate = gate}, request, context);
+}
+
+int runRun(const Arguments& arguments, CommandContext& context) {
+  if (arguments.trailing.empty()) return wrongUsage(context, "run: expected a command");
+  const auto [duration, wrong] = holdDuration(arguments.value("--for"));
+  if (!wrong.empty()) return wrongUsage(context, "run: " + wrong);
+  const RunResult result = runHere(
+      {.words = arguments.trailing, .duration = duration, .bestEffort = arguments.has("--best-effort")}, context);
+  if (!result.child) return result.code;
+  if (result.child->killedBy == 0) return result.child->exitStatus;
+  dieOf(result.child->killedBy);
+  return ExitCode::kSignalBase + result.child->killedBy;
+}
+
+constexpr OptionSpec kOptions[] = {
+    {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"},
+    {.name = "--best-effort", .help = "runs COMMAND also when sleep cannot be held off"}};
+
+}  // namespace
+
+constinit const Command kRunCommand = {
+    .name = "run",
+    .summary = "holds system sleep off while a command runs",
+    .usage = "[--for DURATION] [--best-effort] -- COMMAND…",
+    .details =
+        "COMMAND keeps its terminal, streams and signals, and its exit status is passed on: 128 and the number\n"
+        "of the signal when one killed it, 127 when there is no such command, 126 when it cannot be executed.\n"
+        "When sleep cannot be held off, COMMAND is not run and the exit status is 2. When the time is over\n"
+        "sleep comes back on and COMMAND goes on.",
+    .options = kOptions,
+    .style = ArgumentStyle::trailingCommand,
+    .run = runRun};
+
+}  // namespace brindle

@@ -1,0 +1,101 @@
+// `brindle sleep off|on|status`.
+#include "cli/command_line.h"
+#include "cli/commands.h"
+#include "cli/duration_text.h"
+#include "cli/exit_code.h"
+#include "cli/hold_text.h"
+#include "cli/sleep_off.h"
+
+namespace brindle {
+
+namespace {
+
+int problem(const HelperProblem& problem, CommandContext& context) {
+  context.output.remark(problemText(problem));
+  return ExitCode::kFailure;
+}
+
+int off(const Arguments& arguments, EventLoop& loop, CommandContext& context) {
+  const auto [duration, wrong] = holdDuration(arguments.value("--for"));
+  if (!wrong.empty()) return wrongUsage(context, "sleep: " + wrong);
+  const auto client = connectToHelper(loop);
+  LoopHoldTimer timer(loop);
+  OpenPowerGate gate;
+  return sleepOff(loop, {.client = *client, .timer = timer, .gate = gate}, duration, context);
+}
+
+int switchedOn(const HelperAnswer<SleepReply>& answer, CommandContext& context) {
+  if (!answer) return problem(answer.error(), context);
+  if (!answer->ok) {
+    context.output.remark("sleep may still be off: " + answer->message);
+    return ExitCode::kFailure;
+  }
+  context.output.print("Sleep is on.\n");
+  return ExitCode::kDone;
+}
+
+int shownStatus(const HelperAnswer<HelperStatus>& answer, CommandContext& context) {
+  if (!answer) return problem(answer.error(), context);
+  if (!answer->sleepDisabled) {
+    context.output.print("Sleep is on.\n");
+    return ExitCode::kNegative;
+  }
+  // Where the system itself is asked, nobody knows for how long.
+  const bool known = answer->remaining > Seconds{0};
+  context.output.print(known ? "Sleep is off for another " + durationText(answer->remaining) + ".\n"
+                             : "Sleep is off.\n");
+  return ExitCode::kDone;
+}
+
+int finished(int code) { return code < 0 ? ExitCode::kFailure : code; }
+
+int on(EventLoop& loop, CommandContext& context) {
+  const auto client = connectToHelper(loop);
+  client->setSleepDisabled({.disabled = false},
+                           [&](const HelperAnswer<SleepReply>& answer) { loop.exit(switchedOn(answer, context)); });
+  return finished(loop.run());
+}
+
+int status(EventLoop& loop, CommandContext& context) {
+  const auto client = connectToHelper(loop);
+  client->status([&](const HelperAnswer<HelperStatus>& answer) { loop.exit(shownStatus(answer, context)); });
+  return finished(loop.run());
+}
+
+int runSleep(const Arguments& arguments, CommandContext& context) {
+  const std::string& verb = arguments.words[0];
+  if (verb != "off" && arguments.has("--for")) return wrongUsage(context, "sleep: --for goes with off only");
+  auto loop = EventLoop::create();
+  if (!loop) {
+    context.output.remark(loop.error().message());
+    return ExitCode::kFailure;
+  }
+  if (verb == "off") return off(arguments, *loop, context);
+  if (verb == "on") return on(*loop, context);
+  return status(*loop, context);
+}
+
+constexpr std::string_view kVerbs[] = {"off", "on", "status"};
+constexpr ArgumentSpec kArguments[] = {{.name = "off|on|status",
+                                        .help = "hold sleep off until interrupted, switch it on, or say how it is",
+                                        .choices = kVerbs}};
+constexpr OptionSpec kOptions[] = {
+    {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"}};
+
+}  // namespace
+
+constinit const Command kSleepCommand = {
+    .name = "sleep",
+    .summary = "switches system sleep off or on, or tells which it is",
+    .usage = "off [--for DURATION]\non\nstatus",
+    .details =
+        "'off' holds sleep off as long as it runs, the lid closed or not, and lets go however it ends: after\n"
+        "the time, at Ctrl-C, or killed. Its exit status is 0 when the time is over, 128 and the number of the\n"
+        "signal that interrupted it, and 1 when an earlier hold has used up its time and sleep must be switched\n"
+        "on first. 'on' switches sleep on, whoever holds it off. 'status' exits with 0 while sleep is off and\n"
+        "with 1 while it is on.",
+    .options = kOptions,
+    .arguments = kArguments,
+    .run = runSleep};
+
+}  // namespace brindle

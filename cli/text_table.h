@@ -1,0 +1,45 @@
+// Rows of text in aligned columns, as the reports show them.
+//
+// Used by the reports. Cells may come from any process: they are cleaned so that they cannot steer the terminal, and
+// measured by the columns that their characters take. Pure.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace brindle {
+
+class TextTable {
+ public:
+  enum class Align { left, right };
+  struct Column {
+    std::string heading;
+    Align align = Align::left;
+    /// Cells are cut to this many columns with "…" at the end; 0 is no limit.
+    std::size_t widest = 0;
+  };
+
+  explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
+
+  /// Precondition: one cell for each column.
+  void add(std::vector<std::string> cells);
+  [[nodiscard]] bool empty() const { return rows_.empty(); }
+
+  /// Heading and rows, two blanks between columns, no blanks at the ends of lines; each line with its end. Columns
+  /// without a single filled cell are left out.
+  [[nodiscard]] std::string text() const;
+
+ private:
+  std::vector<Column> columns_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+/// The terminal columns that `text` takes, which holds no control characters.
+[[nodiscard]] std::size_t shownWidth(std::string_view text);
+
+/// `text` cut to `columns` columns at most, the last one "…" when something was cut.
+[[nodiscard]] std::string fitted(std::string_view text, std::size_t columns);
+
+}  // namespace brindle

@@ -1,0 +1,58 @@
+// The helper on Linux: what is made, in which order, and nothing else. It reads no arguments and no settings.
+#include <systemd/sd-daemon.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+
+#include "helper/bus_service_linux.h"
+#include "helper/helper.h"
+#include "helper/journal_log.h"
+#include "helper/logind_inhibitor_linux.h"
+#include "helper/logind_switch.h"
+#include "helper/loop_queue.h"
+#include "system/bus_connection_linux.h"
+#include "system/event_loop.h"
+
+namespace brindle {
+namespace {
+
+int failed(const std::string& message) {
+  std::fprintf(stderr, "BrindleHelper: %s\n", message.c_str());
+  return 1;
+}
+
+int run() {
+  auto loop = EventLoop::create();
+  if (!loop) return failed(loop.error().message());
+  auto bus = BusConnection::openSystem();
+  if (!bus) return failed(bus.error().message());
+  if (const auto attached = bus->attach(*loop); !attached) return failed(attached.error().message());
+  // Without the bus there are no clients and no way to hear of any: end, and the lock goes with the process.
+  sd_bus_set_exit_on_disconnect(bus->get(), true);
+
+  JournalLog log;
+  LoopQueue queue(*loop);
+  LogindInhibitor inhibitor(*bus);
+  LogindSwitch sleepSwitch(inhibitor, log);
+  LogindWatch watch(*bus, *loop, sleepSwitch);
+  BusService service(*bus, *loop);
+  const auto helper =
+      Helper::create({.queue = queue, .sleepSwitch = sleepSwitch, .log = log, .exit = service, .now = [] {
+                        return Date{std::chrono::system_clock::now()};
+                      }});
+  if (!helper->start()) return failed("start timer: the system gives none");
+
+  const auto terminated = loop->onSignal(SIGTERM, [&helper](SignalNote) { helper->terminate(); });
+  if (!terminated) return failed(terminated.error().message());
+  if (const auto watching = watch.start(); !watching) return failed(watching.error().message());
+  if (const auto published = service.publish(helper); !published) return failed(published.error().message());
+  sd_notify(0, "READY=1");
+  const int code = loop->run();
+  return code == 0 ? 0 : failed(code > 0 ? "the system bus is gone" : "the event loop failed");
+}
+
+}  // namespace
+}  // namespace brindle
+
+int main() { return brindle::run(); }

@@ -1,0 +1,48 @@
+// What the daemon answers: the values of its replies and the texts in them.
+//
+// Used by the daemon, which makes them, and by clients, which read the Booleans and show the texts; a client never
+// decides by a text.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/date.h"
+#include "logic/helper/helper_identity.h"
+
+namespace brindle {
+
+/// The answer to a request to switch sleep off or on.
+struct SleepReply {
+  bool ok = false;
+  std::string message;
+
+  bool operator==(const SleepReply&) const = default;
+};
+
+/// The answer to a question for the state.
+struct HelperStatus {
+  bool sleepDisabled = false;
+  /// Until the disable ends by itself; 0 when sleep is not disabled, never negative.
+  Seconds remaining{0};
+  std::int64_t version = HelperIdentity::helperVersion;
+
+  bool operator==(const HelperStatus&) const = default;
+};
+
+namespace HelperReplyText {
+
+inline constexpr std::string_view kSleepDisabled = "Sleep disabled";
+inline constexpr std::string_view kSleepOn = "Sleep on";
+inline constexpr std::string_view kSleepAlreadyDisabled = "Sleep already disabled";
+/// The counterpart of the one above; the policy always has something to do when sleep is to come back on.
+inline constexpr std::string_view kSleepAlreadyOn = "Sleep already on";
+inline constexpr std::string_view kMaxDurationReached = "Max duration reached. Turn it off first.";
+
+/// `switchName` + " failed": the switch could not do what it was told.
+[[nodiscard]] std::string failed(std::string_view switchName);
+
+}  // namespace HelperReplyText
+
+}  // namespace brindle

@@ -1,0 +1,117 @@
+#include "platform/host.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <set>
+#include <thread>
+#include <utility>
+
+#include "base/file.h"
+#include "base/json_reader.h"
+#include "inventory/cpu_sample.h"
+#include "platform/clock.h"
+#include "platform/directories.h"
+#include "platform/ownership_store.h"
+
+namespace brindle {
+namespace {
+
+constexpr std::size_t kSettingsLimit = std::size_t{1} << 20;
+constexpr std::size_t kSampleFileLimit = std::size_t{2} << 20;
+
+std::optional<std::string> manifestText(const std::string& path) {
+  struct stat about = {};
+  if (::stat(path.c_str(), &about) != 0) return std::nullopt;
+  if (!S_ISREG(about.st_mode)) return std::string();
+  return readFile(path, kManifestByteLimit).value_or("");
+}
+
+/// The sample of this run, and CPU figures from it and the one before.
+void sampleCpu(const Environment& environment, const std::string& boot, std::vector<ProcessFacts>& processes) {
+  const auto folder = stateFolder(environment);
+  if (!folder) return;
+  const std::string path = *folder + "/cpu-times";
+  const CpuSample now = cpuSampleOf(processes, boot, bootClockNow());
+  const CpuSample before = cpuSampleFrom(readFile(path, kSampleFileLimit).value_or(""));
+  applyCpuSamples(before, now, processes);
+  // Two runs within the shortest span would leave the second without a figure, and push out the sample of the first.
+  const Seconds since = now.at - before.at;
+  if (before.boot == boot && since >= Seconds{0} && since < Seconds{1}) return;
+  // Without the file the next run has no figures; that is all that is lost.
+  if (ensureFolder(*folder)) (void)replaceFile(path, cpuSampleText(now)).has_value();
+}
+
+Outcome sampleTwice(const HostQuestion& question, std::uint32_t user, const std::string& boot,
+                    ProcessListing& listing) {
+  const CpuSample before = cpuSampleOf(listing.processes, boot, bootClockNow());
+  std::this_thread::sleep_for(*question.sampleFor);
+  auto again = listProcesses(user, question.detail);
+  if (!again) return tl::make_unexpected(again.error());
+  listing = std::move(*again);
+  applyCpuSamples(before, cpuSampleOf(listing.processes, boot, bootClockNow()), listing.processes);
+  return {};
+}
+
+}  // namespace
+
+ProtectionRules protectionRulesOf(const Environment& environment) {
+  const auto path = settingsFile(environment);
+  const auto text = path ? readFile(*path, kSettingsLimit) : Result<std::string>(fail(0, ""));
+  const auto settings = text ? parseJson(*text) : std::nullopt;
+  return settings ? protectionRulesFrom(*settings) : ProtectionRules{};
+}
+
+Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuestion& question) {
+  const std::uint32_t user = ::geteuid();
+  const std::string boot = bootId();
+  auto listing = listProcesses(user, question.detail);
+  if (!listing) return tl::make_unexpected(listing.error());
+  if (question.sampleFor) {
+    if (auto sampled = sampleTwice(question, user, boot, *listing); !sampled) {
+      return tl::make_unexpected(sampled.error());
+    }
+  } else if (question.detail != ListingDetail::listeners) {
+    sampleCpu(environment, boot, listing->processes);
+  }
+  std::vector<OwnershipRecord> records;
+  if (const auto folder = stateFolder(environment)) records = OwnershipStore(*folder).records(boot);
+  ProjectFinder projects(homeFolder(environment).value_or(""), manifestText);
+  const ProtectionRules protections = protectionRulesOf(environment);
+  const SnapshotContext context{wallClockNow(), user, hostRules(), protections};
+  HostSnapshot snapshot = snapshotOf(listing->processes, records, projects, context);
+  snapshot.unownedListeners = listing->unownedListeners;
+  return snapshot;
+}
+
+Outcome rememberOwners(const Environment& environment, const HostSnapshot& snapshot) {
+  const auto folder = stateFolder(environment);
+  if (!folder) return {};
+  const OwnershipStore store(*folder);
+  const std::string boot = bootId();
+  std::set<std::pair<std::int32_t, std::int64_t>> living;
+  for (const TrackedProcess& process : snapshot.processes) living.insert({process.pid, process.startTime});
+  const auto cleaned = store.clean(boot, [&](std::int32_t pid, std::int64_t start) {
+    return living.contains({pid, start});
+  });
+  auto added = store.add(ownershipOf(snapshot, boot));
+  return added ? cleaned : added;
+}
+
+Outcome rememberChildren(const Environment& environment, const ProcessFacts& agent, const std::string& agentName) {
+  const auto folder = stateFolder(environment);
+  if (!folder) return {};
+  const std::string boot = bootId();
+  std::vector<OwnershipRecord> records;
+  for (const ProcessFacts& child : processesBelow(agent.pid)) {
+    records.push_back({boot, child.pid, child.startTime, agent.pid, agent.startTime, agentName});
+  }
+  const OwnershipStore store(*folder);
+  auto added = store.add(records);
+  if (added || added.error().code != EFBIG) return added;
+  const auto isAlive = [](std::int32_t pid, std::int64_t start) { return startStampOf(pid) == start; };
+  if (auto cleaned = store.clean(boot, isAlive); !cleaned) return cleaned;
+  return store.add(records);
+}
+
+}  // namespace brindle

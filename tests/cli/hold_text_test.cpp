@@ -1,0 +1,65 @@
+#include "cli/hold_text.h"
+
+#include <gtest/gtest.h>
+
+#include "logic/helper/lid_sleep_limits.h"
+
+namespace brindle {
+namespace {
+
+std::string problemOf(const std::string& text) { return holdDuration(text).problem; }
+
+TEST(HoldText, HoldsForFourHoursWhenNothingIsSaid) {
+  EXPECT_EQ(holdDuration(std::nullopt), (HoldDuration{.duration = LidSleepLimits::defaultDuration}));
+}
+
+TEST(HoldText, TakesAnyDurationUpToTheLimit) {
+  EXPECT_EQ(holdDuration("90s"), (HoldDuration{.duration = Seconds{90}}));
+  EXPECT_EQ(holdDuration("1s"), (HoldDuration{.duration = Seconds{1}}));
+  EXPECT_EQ(holdDuration("11h59m59s").duration, Seconds{43199});
+  EXPECT_EQ(holdDuration("12h"), (HoldDuration{.duration = Seconds{43200}}));
+}
+
+TEST(HoldText, RefusesMoreThanTheLimitAndNothing) {
+  EXPECT_EQ(problemOf("12h1s"), "--for 12h1s: sleep stays off for 12h at most");
+  EXPECT_EQ(problemOf("0s"), "--for 0s: expected more than nothing");
+}
+
+TEST(HoldText, SaysWhatADurationLooksLike) {
+  EXPECT_EQ(problemOf("4"), "--for 4: expected a duration such as 90s, 45m, 4h or 1h30m");
+}
+
+TEST(HoldText, TellsAMissingHelperFromOneThatRefuses) {
+  EXPECT_EQ(problemText({HelperProblemKind::notInstalled, "nothing provides it"}),
+            "no helper to talk to: nothing provides it");
+  EXPECT_EQ(problemText({HelperProblemKind::unreachable, "no bus"}), "no helper to talk to: no bus");
+  EXPECT_EQ(problemText({HelperProblemKind::refused, "not authorised"}), "the helper refuses: not authorised");
+}
+
+TEST(HoldText, SaysWhatToDoAboutAnExpiredHold) {
+  EXPECT_EQ(endText({.phase = HoldPhase::ended,
+                     .end = HoldEnd::maxDurationReached,
+                     .text = std::string(HelperReplyText::kMaxDurationReached)}),
+            "sleep stays on: Max duration reached. Turn it off first. 'brindle sleep on' does that");
+}
+
+TEST(HoldText, GivesTheHelpersOwnReason) {
+  EXPECT_EQ(endText({.phase = HoldPhase::ended, .end = HoldEnd::failed, .text = "logind failed"}),
+            "sleep stays on: logind failed");
+  EXPECT_EQ(endText({.phase = HoldPhase::ended,
+                     .end = HoldEnd::refused,
+                     .text = "not authorised",
+                     .problem = HelperProblemKind::refused}),
+            "the helper refuses: not authorised");
+}
+
+TEST(HoldText, TellsAPauseFromALoss) {
+  EXPECT_EQ(interruptionText({.phase = HoldPhase::paused, .text = "the battery is at 15 %"}),
+            "sleep is on for now: the battery is at 15 %");
+  EXPECT_EQ(interruptionText({.phase = HoldPhase::waiting, .text = "the helper has ended"}),
+            "sleep is on, asking again soon: the helper has ended");
+  EXPECT_EQ(interruptionText({.phase = HoldPhase::paused}), "sleep is on for now");
+}
+
+}  // namespace
+}  // namespace brindle

@@ -1,0 +1,272 @@
+// The shared stores under many processes at once, and under SIGKILL at any moment.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "base/lines.h"
+#include "base/number_text.h"
+#include "logic/events/agent_event_inbox.h"
+#include "logic/mcp/mcp_quit_inbox.h"
+#include "logic/mcp/mcp_request_log.h"
+#include "tests/base/store_support.h"
+#include "tests/base/temporary_folder.h"
+#include "tests/logic/mcp/shared_counters.h"
+
+namespace brindle {
+namespace {
+
+constexpr Date kNow = dateFromSeconds(1'772'352'000);
+constexpr std::size_t kWriters = 16;
+constexpr std::size_t kEventsEach = 2000;
+constexpr std::size_t kIdSpace = 400'000;
+
+std::size_t numberOf(const std::string& id) {
+  const auto number = integerFromText(id);
+  return number && *number >= 0 ? static_cast<std::size_t>(*number) : kIdSpace;
+}
+
+AgentEvent event(std::size_t number) {
+  return {.id = std::to_string(number), .time = kNow, .agent = "Claude Code", .cwd = std::string(120, 'w')};
+}
+
+// Waits while the spool is so full that one more round of writers might overfill it.
+void appendPaced(const AgentEventInbox& inbox, const std::string& file, std::size_t number) {
+  std::error_code ignored;
+  while (true) {
+    const std::uintmax_t size = std::filesystem::file_size(file, ignored);
+    if (ignored || size <= AgentEventInbox::kSizeLimit / 2) break;
+    pause(std::chrono::microseconds(300));
+  }
+  if (!inbox.append(event(number))) ::_exit(1);
+}
+
+TEST(AgentEventInboxStress, SixteenWritersAndADrainerLoseAndDoubleNothing) {
+  TemporaryFolder folder;
+  const AgentEventInbox inbox(folder.path());
+  const std::string file = folder.file("agent-events.jsonl");
+  std::vector<pid_t> writers;
+  for (std::size_t writer = 0; writer < kWriters; ++writer) {
+    writers.push_back(startChild([&] {
+      for (std::size_t i = 0; i < kEventsEach; ++i) appendPaced(inbox, file, writer * kEventsEach + i);
+    }));
+  }
+  std::vector<int> seen(kIdSpace + 1);
+  std::vector<std::size_t> last(kWriters);
+  const auto drainOnce = [&] {
+    for (const AgentEvent& drained : inbox.drain(kNow)) {
+      const std::size_t number = numberOf(drained.id);
+      ASSERT_LT(number, kWriters * kEventsEach);
+      EXPECT_EQ(drained, event(number));
+      ++seen[number];
+      const std::size_t writer = number / kEventsEach;
+      EXPECT_LE(last[writer], number) << "out of order";
+      last[writer] = number;
+    }
+  };
+  std::size_t running = writers.size();
+  while (running > 0) {
+    drainOnce();
+    int status = -1;
+    if (::waitpid(-1, &status, WNOHANG) > 0) {
+      EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+      --running;
+    }
+  }
+  drainOnce();
+  for (std::size_t number = 0; number < kWriters * kEventsEach; ++number) ASSERT_EQ(seen[number], 1) << number;
+  EXPECT_EQ(modeOf(file), 0600);
+  EXPECT_EQ(modeOf(folder.file("agent-events.lock")), 0600);
+  EXPECT_EQ(folder.entries(), 2u);
+}
+
+TEST(AgentEventInboxStress, KilledWritersTearNoLineAndLoseNothingThatWasAppended) {
+  TemporaryFolder folder;
+  const AgentEventInbox inbox(folder.path());
+  const std::string file = folder.file("agent-events.jsonl");
+  SharedCounters appended(kIdSpace);
+  SharedCounters next(1);
+  const auto write = [&] {
+    while (true) {
+      const std::size_t number = next[0]++;
+      if (number >= kIdSpace) ::_exit(0);
+      appendPaced(inbox, file, number);
+      appended[number] = 1;
+    }
+  };
+  std::vector<pid_t> writers;
+  for (int i = 0; i < 4; ++i) writers.push_back(startChild(write));
+
+  std::mt19937 random(7);
+  std::vector<std::uint32_t> seen(kIdSpace + 1);
+  int kills = 0;
+  const auto end = std::chrono::steady_clock::now() + stressSpan();
+  while (std::chrono::steady_clock::now() < end) {
+    pause(std::chrono::microseconds(random() % 4000));
+    pid_t& victim = writers[random() % writers.size()];
+    killAndReap(victim);
+    ++kills;
+    victim = startChild(write);
+    for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
+  }
+  for (const pid_t writer : writers) killAndReap(writer);
+  const std::string rest = contentOf(file);
+  EXPECT_TRUE(rest.empty() || rest.back() == '\n');
+  EXPECT_EQ(readAgentEventLines(rest).size(), nonEmptyLines(rest).size()) << "a torn line";
+  for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
+  EXPECT_GT(kills, 20);
+  EXPECT_EQ(seen[kIdSpace], 0u);
+  std::size_t total = 0;
+  for (std::size_t number = 0; number < kIdSpace; ++number) {
+    ASSERT_LE(seen[number], 1u) << number;
+    ASSERT_GE(seen[number], appended[number].load()) << number;
+    total += seen[number];
+  }
+  EXPECT_GT(total, 100u);
+}
+
+TEST(AgentEventInboxStress, KilledDrainersDoubleNothingAndLeaveTheLockFree) {
+  TemporaryFolder folder;
+  const AgentEventInbox inbox(folder.path());
+  const std::string file = folder.file("agent-events.jsonl");
+  SharedCounters seen(kIdSpace + 1);
+  SharedCounters drains(1);
+  const auto drainForEver = [&] {
+    while (true) {
+      for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
+      ++drains[0];
+    }
+  };
+  const pid_t writer = startChild([&] {
+    for (std::size_t number = 0; number < kIdSpace; ++number) appendPaced(inbox, file, number);
+  });
+  std::mt19937 random(11);
+  int kills = 0;
+  const auto end = std::chrono::steady_clock::now() + stressSpan();
+  while (std::chrono::steady_clock::now() < end) {
+    const pid_t drainer = startChild(drainForEver);
+    pause(std::chrono::microseconds(random() % 8000));
+    killAndReap(drainer);
+    ++kills;
+  }
+  killAndReap(writer);
+  for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
+  EXPECT_GT(kills, 20);
+  EXPECT_GT(drains[0].load(), 0u);
+  EXPECT_EQ(seen[kIdSpace].load(), 0u);
+  std::size_t total = 0;
+  for (std::size_t number = 0; number < kIdSpace; ++number) {
+    ASSERT_LE(seen[number].load(), 1u) << number;
+    total += seen[number];
+  }
+  EXPECT_GT(total, 100u);
+  EXPECT_TRUE(inbox.append(event(1)));
+}
+
+TEST(MCPRequestLogStress, SixteenWritersAndATrimmerLoseAndTearNothing) {
+  TemporaryFolder folder;
+  const MCPRequestLog log(folder.path());
+  const auto entry = [](std::size_t number) {
+    return MCPLogEntry{.time = kNow, .tool = "safety", .summary = std::to_string(number), .result = "ok"};
+  };
+  std::vector<pid_t> writers;
+  for (std::size_t writer = 0; writer < kWriters; ++writer) {
+    writers.push_back(startChild([&] {
+      for (std::size_t i = 0; i < kEventsEach; ++i) {
+        if (!log.append(entry(writer * kEventsEach + i))) ::_exit(1);
+      }
+    }));
+  }
+  const pid_t trimmer = startChild([&] {
+    while (true) {
+      if (!log.trim(kNow)) ::_exit(1);
+      pause(std::chrono::milliseconds(150));  // a trim reads and writes everything
+    }
+  });
+  for (const pid_t writer : writers) EXPECT_TRUE(endedWell(writer));
+  killAndReap(trimmer);
+  const std::vector<MCPLogEntry> entries = log.recent(kNow);
+  EXPECT_EQ(entries.size(), kWriters * kEventsEach);
+  EXPECT_EQ(nonEmptyLines(contentOf(folder.file("mcp-log.jsonl"))).size(), entries.size()) << "a torn line";
+  std::vector<int> seen(kIdSpace + 1);
+  for (const MCPLogEntry& found : entries) ++seen[numberOf(found.summary)];
+  for (std::size_t number = 0; number < kWriters * kEventsEach; ++number) ASSERT_EQ(seen[number], 1) << number;
+  EXPECT_EQ(modeOf(folder.file("mcp-log.jsonl")), 0600);
+}
+
+TEST(MCPQuitInboxStress, SixteenWritersAndAnAnsweringReaderLoseNothing) {
+  TemporaryFolder folder;
+  const MCPQuitInbox inbox(folder.path());
+  constexpr std::size_t kRequestsEach = 6;
+  std::vector<pid_t> writers;
+  for (std::size_t writer = 0; writer < kWriters; ++writer) {
+    writers.push_back(startChild([&] {
+      for (std::size_t i = 0; i < kRequestsEach; ++i) {
+        const std::string id = std::to_string(writer * kRequestsEach + i);
+        if (!inbox.add({.id = id, .time = kNow, .kind = "pid", .pid = 1, .status = "pending"})) ::_exit(1);
+      }
+    }));
+  }
+  std::vector<int> answered(kWriters * kRequestsEach);
+  const auto answerAll = [&] {
+    for (const MCPQuitRequest& request : inbox.pending()) {
+      const std::size_t number = numberOf(request.id);
+      ASSERT_LT(number, answered.size());
+      ++answered[number];
+      ASSERT_TRUE(inbox.setStatus({.id = request.id, .status = "declined"}));
+    }
+  };
+  std::size_t running = writers.size();
+  while (running > 0) {
+    answerAll();
+    int status = -1;
+    if (::waitpid(-1, &status, WNOHANG) > 0) {
+      EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+      --running;
+    }
+  }
+  answerAll();
+  EXPECT_EQ(answered, std::vector<int>(kWriters * kRequestsEach, 1));
+  EXPECT_EQ(inbox.pending(), std::vector<MCPQuitRequest>());
+  EXPECT_EQ(modeOf(folder.file("mcp-inbox.json")), 0600);
+  EXPECT_EQ(folder.entries(), 2u);
+}
+
+TEST(MCPQuitInboxStress, KilledWritersLeaveAWholeListAndAFreeLock) {
+  TemporaryFolder folder;
+  const MCPQuitInbox inbox(folder.path());
+  SharedCounters added(kIdSpace);
+  SharedCounters next(1);
+  std::mt19937 random(13);
+  std::size_t shortest = 0;
+  const auto end = std::chrono::steady_clock::now() + stressSpan() / 2;
+  while (std::chrono::steady_clock::now() < end) {
+    const pid_t writer = startChild([&] {
+      while (true) {
+        const std::size_t number = next[0]++;
+        const std::string id = std::to_string(number);
+        if (!inbox.add({.id = id, .time = kNow, .kind = "pid", .pid = 1, .status = "pending"})) ::_exit(1);
+        added[number] = 1;
+      }
+    });
+    pause(std::chrono::microseconds(random() % 60'000));
+    killAndReap(writer);
+    const std::size_t length = inbox.pending().size();
+    ASSERT_GE(length, shortest) << "the list was cut or could not be read";
+    shortest = length;
+  }
+  std::vector<std::uint32_t> seen(kIdSpace + 1);
+  for (const MCPQuitRequest& request : inbox.pending()) ++seen[numberOf(request.id)];
+  for (std::size_t number = 0; number < kIdSpace; ++number) {
+    ASSERT_LE(seen[number], 1u);
+    ASSERT_GE(seen[number], added[number].load()) << number;
+  }
+  EXPECT_GT(shortest, 0u);
+  EXPECT_TRUE(inbox.setStatus({.id = inbox.pending().front().id, .status = "declined"}));
+}
+
+}  // namespace
+}  // namespace brindle
