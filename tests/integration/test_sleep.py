@@ -90,7 +90,7 @@ class SleepOff(CommandCase):
         self.helper.signal(signal.SIGSTOP)
         process.signal(signal.SIGINT)
         process.signal(signal.SIGTERM)
-        self.assertEqual(process.wait(1.5), 128 + signal.SIGTERM)
+        self.assertEqual(process.wait(), 128 + signal.SIGTERM)
         self.helper.signal(signal.SIGCONT)
         self.system.wait_lock(False)
 
