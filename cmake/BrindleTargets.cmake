@@ -25,11 +25,13 @@ function(brindle_test name)
   if(arg_PROPERTY)
     target_link_libraries(${name} PRIVATE rapidcheck)
   endif()
-  target_compile_definitions(${name} PRIVATE BRINDLE_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
+  # Relative to the root, where CTest runs it: a path of this machine in the flags would keep compiler caches from
+  # being shared between checkouts.
+  target_compile_definitions(${name} PRIVATE BRINDLE_TEST_DATA_DIR="tests/data")
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()
-  add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1)
+  add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1 WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}")
   set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "unit;${arg_LABELS}")
 endfunction()
 
