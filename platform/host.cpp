@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <set>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -57,8 +59,12 @@ Outcome sampleTwice(const HostQuestion& question, std::uint32_t user, const std:
 
 ProtectionRules protectionRulesOf(const Environment& environment) {
   const auto path = settingsFile(environment);
-  const auto text = path ? readFile(*path, kSettingsLimit) : Result<std::string>(fail(0, ""));
-  const auto settings = text ? parseJson(*text) : std::nullopt;
+  if (!path) return {};
+  // Settings are often links into a folder under version control.
+  std::error_code missing;
+  const auto resolved = std::filesystem::canonical(*path, missing);
+  const auto text = missing ? std::nullopt : std::optional(readFile(resolved.string(), kSettingsLimit));
+  const auto settings = text && *text ? parseJson(**text) : std::nullopt;
   return settings ? protectionRulesFrom(*settings) : ProtectionRules{};
 }
 

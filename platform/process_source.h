@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +50,9 @@ struct ProcessListing {
 
 /// The start stamp of a process; none when there is no such process or it has ended and waits for its parent.
 [[nodiscard]] std::optional<std::int64_t> startStampOf(std::int32_t pid);
+
+/// The TCP ports that somebody listens on now.
+[[nodiscard]] std::set<int> listeningPorts();
 
 /// The kernel's id of this boot; empty when it tells none.
 [[nodiscard]] std::string bootId();
