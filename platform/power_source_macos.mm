@@ -1,40 +1,11 @@
-#include "platform/power_source.h"
-
 #import <Foundation/Foundation.h>
 #import <IOKit/ps/IOPSKeys.h>
 #import <IOKit/ps/IOPowerSources.h>
 
+#include "platform/power_source.h"
+
 namespace brindle {
 namespace {
-
-NSNumber* _Nullable numberIn(NSDictionary* description, const char* key) {
-  id const value = description[[NSString stringWithUTF8String:key]];
-  return [value isKindOfClass:NSNumber.class] ? value : nil;
-}
-
-PowerState powerState() {
-  PowerState state;
-  const CFTypeRef blob = IOPSCopyPowerSourcesInfo();
-  if (blob == nullptr) return state;
-  const CFStringRef provider = IOPSGetProvidingPowerSourceType(blob);
-  state.onBattery = provider != nullptr && CFEqual(provider, CFSTR(kIOPSBatteryPowerValue));
-  NSArray* const sources = CFBridgingRelease(IOPSCopyPowerSourcesList(blob));
-  for (id source in sources) {
-    // Belongs to the blob.
-    NSDictionary* const description =
-        (__bridge NSDictionary*)IOPSGetPowerSourceDescription(blob, (__bridge CFTypeRef)source);
-    if (![description[@kIOPSTypeKey] isEqual:@kIOPSInternalBatteryType]) continue;
-    NSNumber* const current = numberIn(description, kIOPSCurrentCapacityKey);
-    NSNumber* const full = numberIn(description, kIOPSMaxCapacityKey);
-    if (current != nil && full.longLongValue > 0) {
-      state.batteryPercent = current.longLongValue * 100 / full.longLongValue;
-    }
-    state.charging = numberIn(description, kIOPSIsChargingKey).boolValue != NO;
-    break;  // no Mac has a second one
-  }
-  CFRelease(blob);
-  return state;
-}
 
 ThermalLevel thermalLevel() {
   switch (NSProcessInfo.processInfo.thermalState) {
@@ -47,7 +18,28 @@ ThermalLevel thermalLevel() {
     case NSProcessInfoThermalStateCritical:
       return ThermalLevel::critical;
   }
-  return ThermalLevel::critical;  // a state beyond the ones that are known is hotter than they
+  return ThermalLevel::nominal;
+}
+
+PowerState powerState() {
+  PowerState state;
+  id info = CFBridgingRelease(IOPSCopyPowerSourcesInfo());
+  if (info == nil) return state;
+  NSArray* sources = CFBridgingRelease(IOPSCopyPowerSourcesList((__bridge CFTypeRef)info));
+  for (id source in sources) {
+    // The description belongs to `info`.
+    NSDictionary* about =
+        (__bridge NSDictionary*)IOPSGetPowerSourceDescription((__bridge CFTypeRef)info, (__bridge CFTypeRef)source);
+    if (![about[@kIOPSTypeKey] isEqual:@kIOPSInternalBatteryType]) continue;
+    NSNumber* capacity = about[@kIOPSCurrentCapacityKey];
+    NSNumber* full = about[@kIOPSMaxCapacityKey];
+    if (capacity != nil && full.longLongValue > 0) {
+      state.batteryPercent = capacity.longLongValue * 100 / full.longLongValue;
+    }
+    state.charging = [about[@kIOPSIsChargingKey] boolValue];
+    state.onBattery = [about[@kIOPSPowerSourceStateKey] isEqual:@kIOPSBatteryPowerValue];
+  }
+  return state;
 }
 
 }  // namespace

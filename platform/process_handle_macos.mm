@@ -1,9 +1,10 @@
-#include <poll.h>
 #include <sys/event.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <ctime>
 #include <string>
 
 #include "platform/clock.h"
@@ -13,10 +14,13 @@
 namespace brindle {
 namespace {
 
-// The note that the process has ended stays in the queue, so the queue stays readable.
-bool endsWithin(int queue, int milliseconds) {
-  pollfd end{.fd = queue, .events = POLLIN, .revents = 0};
-  return poll(&end, 1, milliseconds) == 1;
+/// A kernel queue stands for the process: it tells of this process's end, whoever has the pid by then.
+bool endsWithin(int queue, Seconds patience) {
+  struct kevent end = {};
+  timespec wait = {};
+  wait.tv_sec = static_cast<time_t>(patience.count());
+  wait.tv_nsec = static_cast<long>((patience.count() - static_cast<double>(wait.tv_sec)) * 1e9);
+  return kevent(queue, nullptr, 0, &end, 1, &wait) == 1;
 }
 
 }  // namespace
@@ -25,19 +29,14 @@ Result<ProcessHandle> ProcessHandle::open(Identity identity) {
   const std::string doing = "open process " + std::to_string(identity.pid);
   Descriptor queue(kqueue());
   if (!queue) return fail(errno, doing);
-  struct kevent64_s end = {};
-  end.ident = static_cast<std::uint64_t>(identity.pid);
-  end.filter = EVFILT_PROC;
-  end.flags = EV_ADD;
-  end.fflags = NOTE_EXIT;
-  if (kevent64(queue.get(), &end, 1, nullptr, 0, 0, nullptr) != 0) return fail(errno, doing);
-  // The stamp is read after the queue watches the pid: so the process that it watches is the one that has it.
+  struct kevent watch = {};
+  EV_SET(&watch, static_cast<uintptr_t>(identity.pid), EVFILT_PROC, EV_ADD, NOTE_EXIT, 0, nullptr);
+  if (kevent(queue.get(), &watch, 1, nullptr, 0, nullptr) != 0) return fail(errno, doing);
   if (startStampOf(identity.pid) != identity.startTime) return fail(ESRCH, doing);
   return ProcessHandle(std::move(queue), identity.pid);
 }
 
-// The system has no signal by handle. Between the look and the signal the process would have to end, be reaped and its
-// pid be given out again, which goes round all other pids first.
+// The pid can only have been given away after the process has ended, and that is asked right before.
 Outcome ProcessHandle::signal(int number) const {
   const std::string doing = "signal process " + std::to_string(pid_);
   if (hasEnded()) return fail(ESRCH, doing);
@@ -45,13 +44,21 @@ Outcome ProcessHandle::signal(int number) const {
   return {};
 }
 
-bool ProcessHandle::hasEnded() const { return endsWithin(handle_.get(), 0); }
+bool ProcessHandle::hasEnded() const {
+  if (!handle_) return true;
+  if (!endsWithin(handle_.get(), Seconds{0})) return false;
+  // The end is told once; without the queue it stays known.
+  handle_.reset();
+  return true;
+}
 
 bool ProcessHandle::waitForAll(std::span<const ProcessHandle* const> handles, Seconds patience) {
   const Seconds deadline = bootClockNow() + patience;
   return std::ranges::all_of(handles, [&](const ProcessHandle* each) {
-    const Seconds left = std::max(deadline - bootClockNow(), Seconds{0});
-    return endsWithin(each->handle_.get(), static_cast<int>(left.count() * 1000));
+    if (!each->handle_) return true;
+    if (!endsWithin(each->handle_.get(), std::max(deadline - bootClockNow(), Seconds{0}))) return false;
+    each->handle_.reset();
+    return true;
   });
 }
 
