@@ -71,7 +71,11 @@ class Judge {
     std::vector<std::uint32_t> seen(processes_.size(), 0);
     std::vector<Index> below = roots;
     for (const Index root : roots) forest_.appendDescendants(root, 1, seen, below);
-    for (const Index index : below) collectSessions(processes_[index]);
+    hangsBelowAgent_.assign(processes_.size(), false);
+    for (const Index index : below) {
+      hangsBelowAgent_[index] = true;
+      collectSessions(processes_[index]);
+    }
   }
 
   void collectSessions(const ProcessFacts& facts) {
@@ -89,7 +93,8 @@ class Judge {
   }
 
   bool isAdoptedRoot(Index index) const {
-    if (!mayBeJudged(index)) return false;
+    // An agent may itself have started a program that looks like a system's manager, as in a container.
+    if (!mayBeJudged(index) || hangsBelowAgent_[index]) return false;
     // What launchd itself started has never had another parent.
     if (processes_[index].adopted == false) return false;
     const auto parent = forest_.parentOf(index);
@@ -189,6 +194,7 @@ class Judge {
   std::span<const ProcessFacts> processes_;
   ProcessForest forest_;
   std::vector<std::optional<AgentKind>> kinds_;
+  std::vector<bool> hangsBelowAgent_;
   std::map<std::pair<AgentKind, std::uint32_t>, std::int64_t> oldest_;
   std::set<std::pair<AgentKind, std::string_view>> sessions_;
   std::map<std::pair<std::int32_t, std::int64_t>, const OwnershipRecord*> records_;
