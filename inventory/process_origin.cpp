@@ -26,6 +26,11 @@ std::vector<ProcessForest::Link> linksOf(std::span<const ProcessFacts> processes
   return links;
 }
 
+bool namesShellSnapshot(const ProcessFacts& facts) {
+  return std::ranges::any_of(
+      facts.arguments, [](const std::string& argument) { return argument.find(kShellSnapshot) != std::string::npos; });
+}
+
 struct Verdict {
   OriginTie tie;
   OriginEvidence evidence;
@@ -159,10 +164,7 @@ class Judge {
       }
     }
     if (!kinds.empty()) return std::nullopt;
-    const bool snapshot = std::ranges::any_of(facts.arguments, [](const std::string& argument) {
-      return argument.find(kShellSnapshot) != std::string::npos;
-    });
-    return snapshot ? std::optional(likely(AgentKind::claudeCode)) : std::nullopt;
+    return namesShellSnapshot(facts) ? std::optional(likely(AgentKind::claudeCode)) : std::nullopt;
   }
 
   std::int32_t outermostAgent(Index agent) const {
@@ -203,6 +205,10 @@ class Judge {
 }  // namespace
 
 std::vector<ProcessOrigin> findOrigins(const OriginQuestion& question) { return Judge(question).judge(); }
+
+bool showsTrace(const ProcessFacts& facts) {
+  return namesShellSnapshot(facts) || !agentsNamedByVariables(facts).empty();
+}
 
 std::string originText(const ProcessOrigin& origin) {
   std::string text = origin.agent;

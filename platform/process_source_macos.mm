@@ -54,9 +54,10 @@ std::vector<ProcessFacts> table() {
 }  // namespace
 
 // Arguments and environment come in one call here, so every question reads them all.
-Result<ProcessListing> listProcesses(std::uint32_t currentUser, ListingDetail) {
+Result<ProcessListing> listProcesses(const ListingQuestion& question) {
   std::vector<ProcessFacts> processes = table();
   if (processes.empty()) return fail(EPERM, "read the process table");
+  const std::uint32_t currentUser = question.currentUser;
   findListeners(processes, currentUser);
   for (ProcessFacts& facts : processes) {
     facts.inspected = facts.uid == currentUser || geteuid() == 0;
