@@ -46,8 +46,8 @@ struct StopList {
 inline constexpr std::string_view kOwnChainReason = "Runs this command";
 
 /// The tree below `root` with the processes tied to it, root first. When the root is to be left alone, so is all the
-/// rest, and only the root is listed. `ownChain` holds the command's own pid and its ancestors'. An agent's session is spared its own protection
-/// only by `asSession`. Empty when there is no such process.
+/// rest, and only the root is listed. `ownChain` holds the command's own pid and its ancestors'. An agent's session is
+/// spared its own protection only by `asSession`. Empty when there is no such process.
 struct TreeQuestion {
   std::int32_t root = 0;
   bool asSession = false;
