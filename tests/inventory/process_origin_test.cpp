@@ -173,6 +173,13 @@ TEST(ProcessOrigin, AnOrphanWhoseParentIsNotListedIsJudged) {
   EXPECT_EQ(Host().server(500, 77, 100, kClaude).origins().size(), 1U);
 }
 
+TEST(ProcessOrigin, WhatHangsBelowAnAgentThroughAnotherManagerIsNotJudged) {
+  Host host;
+  host.agent(400, 50);
+  host.processes.push_back({.pid = 410, .ppid = 400, .uid = kUser, .name = "tini", .arguments = {"tini"}});
+  EXPECT_TRUE(host.server(500, 410, 100, {{"CLAUDE_PID", "399"}}).origins().empty());
+}
+
 TEST(ProcessOrigin, AProcessBelowAShellIsNotJudged) {
   Host host;
   host.processes.push_back({.pid = 300, .ppid = 900, .uid = kUser, .name = "bash", .arguments = {"-bash"}});
