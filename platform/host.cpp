@@ -109,16 +109,20 @@ Outcome rememberChildren(const Environment& environment, const ProcessFacts& age
   const auto folder = stateFolder(environment);
   if (!folder) return {};
   const std::string boot = bootId();
+  // Between agent and hook there are only a shell and this process itself, which end with the hook.
+  std::set<std::int32_t> passing;
+  for (const ProcessFacts& each : processChain(static_cast<std::int32_t>(::getpid()))) passing.insert(each.pid);
   std::vector<OwnershipRecord> records;
   for (const ProcessFacts& child : processesBelow(agent.pid)) {
+    if (passing.contains(child.pid)) continue;
     records.push_back({boot, child.pid, child.startTime, agent.pid, agent.startTime, agentName});
   }
   const OwnershipStore store(*folder);
-  auto added = store.add(records);
-  if (added || added.error().code != EFBIG) return added;
+  // Without a watching application nobody else cleans the file, and every hook reads all of it.
   const auto isAlive = [](std::int32_t pid, std::int64_t start) { return startStampOf(pid) == start; };
-  if (auto cleaned = store.clean(boot, isAlive); !cleaned) return cleaned;
-  return store.add(records);
+  auto cleaned = store.clean(boot, isAlive);
+  auto added = store.add(records);
+  return added ? cleaned : added;
 }
 
 }  // namespace brindle

@@ -8,8 +8,10 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "inventory/agent_table.h"
@@ -112,10 +114,11 @@ void readProgram(ProcessFacts& facts) {
                                                                                : std::size_t{1} << 20;
   }();
   std::array<int, 3> name = {CTL_KERN, KERN_PROCARGS2, facts.pid};
-  std::string block(limit, '\0');
-  std::size_t size = block.size();
-  if (sysctl(name.data(), 3, block.data(), &size, nullptr, 0) != 0) return;
-  auto found = parseArgumentsBlock(std::string_view(block).substr(0, size), namedVariables());
+  // A megabyte of which a few pages are used: clearing it would cost more than the call.
+  const std::unique_ptr<char[]> block(new char[limit]);
+  std::size_t size = limit;
+  if (sysctl(name.data(), 3, block.get(), &size, nullptr, 0) != 0) return;
+  auto found = parseArgumentsBlock({block.get(), std::min(size, limit)}, namedVariables());
   if (!found) return;
   facts.arguments = std::move(found->arguments);
   facts.variables = std::move(found->variables);
