@@ -130,26 +130,30 @@ def main():
 
     def row(name, value, unit, budget=None):
         nonlocal missed
+        best = ""
+        if isinstance(value, list):
+            best = f"{min(value):8.2f}"
+            value = statistics.median(value)
         verdict = "" if budget is None else f"{budget:8.2f}  " + ("ok" if value <= budget else "MISSED")
         missed = missed or (budget is not None and value > budget)
-        print(f"{name:44} {value:8.2f} {unit:3} {verdict}", flush=True)
+        print(f"{name:44} {value:8.2f} {unit:3} {best:8} {verdict}", flush=True)
 
     with System() as system:
         system.start_logind()
         system.start_helper()
-        print(f"{'median of each, against ' + system.login_manager:44} {'':8} {'':3} {'budget':>8}")
+        print(f"{'median of each, against ' + system.login_manager:44} {'':8} {'':3} {'best':>8} {'budget':>8}")
         first, later = request_times(system)
-        row("request to lock, first of a connection", statistics.median(first), "ms", 1.0)
-        row("request to lock, later", statistics.median(later), "ms", 1.0)
-        row("client killed to lock gone", statistics.median(client_kill_times(system)), "ms", 1.5)
-        row("daemon killed to lock gone", statistics.median(daemon_kill_times(system)), "ms", 1.5)
+        row("request to lock, first of a connection", first, "ms", 1.0)
+        row("request to lock, later", later, "ms", 1.0)
+        row("client killed to lock gone", client_kill_times(system), "ms", 1.5)
+        row("daemon killed to lock gone", daemon_kill_times(system), "ms", 1.5)
         anonymous, share, resident = memory_kilobytes(system.helper.pid, "Anonymous", "Pss", "Rss")
         row("memory of its own", anonymous, "kB", 700)
         row("share of all memory", share, "kB", 2500)
         row("resident memory", resident, "kB")
         count, ticks = quiet_wake_ups(system)
         row(f"wake-ups in {QUIET_SECONDS:g} s of a hold", count, "", ticks)
-        row("systemd-inhibit to lock, for comparison", statistics.median(command_times(system)), "ms")
+        row("systemd-inhibit to lock, for comparison", command_times(system), "ms")
     return 1 if missed else 0
 
 

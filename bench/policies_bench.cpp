@@ -144,7 +144,7 @@ void hookPayloadOfOneKilobyte(benchmark::State& state) {
       R"("title":"Permission needed","notification_type":"permission_prompt","tool_input":{"command":")";
   payload += std::string(1024 - payload.size() - 3, 'x') + "\"}}";
   for (auto _ : state) benchmark::DoNotOptimize(AgentEventParser::parseClaudeHook(payload, 4711, kNow));
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * payload.size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(payload.size()));
 }
 BENCHMARK(hookPayloadOfOneKilobyte);
 

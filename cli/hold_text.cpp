@@ -1,9 +1,16 @@
 #include "cli/hold_text.h"
 
+#include "base/number_text.h"
 #include "cli/duration_text.h"
 #include "logic/helper/lid_sleep_limits.h"
 
 namespace brindle {
+namespace {
+
+constexpr std::int64_t kLowestBatteryFloor = 5;
+constexpr std::int64_t kHighestBatteryFloor = 90;
+
+}  // namespace
 
 HoldDuration holdDuration(const std::optional<std::string>& text) {
   if (!text) return {.duration = LidSleepLimits::defaultDuration};
@@ -15,6 +22,17 @@ HoldDuration holdDuration(const std::optional<std::string>& text) {
                 "--for " + *text + ": sleep stays off for " + durationText(LidSleepLimits::maxDuration) + " at most"};
   }
   return {.duration = *parsed};
+}
+
+BatteryFloor batteryFloorOf(const std::optional<std::string>& text) {
+  if (!text) return {};
+  std::string_view digits = *text;
+  if (digits.ends_with('%')) digits.remove_suffix(1);
+  const auto percent = integerFromText(digits);
+  if (!percent || *percent < kLowestBatteryFloor || *percent > kHighestBatteryFloor) {
+    return {.problem = "--battery-floor " + *text + ": expected a percentage from 5 to 90"};
+  }
+  return {.percent = *percent};
 }
 
 std::string problemText(const HelperProblem& problem) {

@@ -3,6 +3,7 @@
 // Used by `brindle sleep`, `brindle run` and `brindle watch`. Pure; every text is one line without line end.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,17 @@ struct HoldDuration {
   bool operator==(const HoldDuration&) const = default;
 };
 [[nodiscard]] HoldDuration holdDuration(const std::optional<std::string>& text);
+
+/// The percentage of `--battery-floor`: kUsualBatteryFloor when it was not given. `problem` says what is wrong: no
+/// whole number, or one outside 5 to 90 (both are allowed).
+inline constexpr std::int64_t kUsualBatteryFloor = 20;
+struct BatteryFloor {
+  std::int64_t percent = kUsualBatteryFloor;
+  std::string problem;
+
+  bool operator==(const BatteryFloor&) const = default;
+};
+[[nodiscard]] BatteryFloor batteryFloorOf(const std::optional<std::string>& text);
 
 /// Why a call to the helper failed: "no helper to talk to: …" or "the helper refuses: …".
 [[nodiscard]] std::string problemText(const HelperProblem& problem);

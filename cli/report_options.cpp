@@ -2,7 +2,9 @@
 
 #include <unistd.h>
 
+#include <filesystem>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 #include "base/file.h"
@@ -46,7 +48,10 @@ std::string readNumbers(const Arguments& arguments, ReportOptions& options) {
 }
 
 ReportSnapshotResult recorded(const ReportOptions& options, const Environment& environment) {
-  const std::string& path = *options.snapshotFile;
+  // A file that the user names may be a link; only the program's own files never are.
+  std::error_code missing;
+  const auto resolved = std::filesystem::canonical(*options.snapshotFile, missing);
+  const std::string path = missing ? *options.snapshotFile : resolved.string();
   const auto text = readFile(path, kJsonByteLimit);
   if (!text) return tl::make_unexpected(text.error().message());
   const auto document = parseJson(*text);

@@ -137,13 +137,14 @@ std::string ghosts(const HostSnapshot& snapshot, const Output& output) {
 std::string unseen(const HostSnapshot& snapshot) {
   std::vector<std::string> parts;
   if (snapshot.uninspected > 0) {
-    parts.push_back(counted(static_cast<std::size_t>(snapshot.uninspected), "process", "processes"));
+    const auto count = static_cast<std::size_t>(snapshot.uninspected);
+    parts.push_back(counted(count, "process", "processes") + " of other users could not be inspected");
   }
   if (snapshot.unownedListeners > 0) {
-    parts.push_back(counted(static_cast<std::size_t>(snapshot.unownedListeners), "listening port", "listening ports"));
+    const auto count = static_cast<std::size_t>(snapshot.unownedListeners);
+    parts.push_back(counted(count, "listening port", "listening ports") + " of a process that could not be found");
   }
-  if (parts.empty()) return {};
-  return joined(parts, " and ") + " of other users could not be inspected";
+  return joined(parts, ", ");
 }
 
 }  // namespace brindle::ReportText

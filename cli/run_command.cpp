@@ -4,13 +4,15 @@
 #include "cli/exit_code.h"
 #include "cli/hold_text.h"
 #include "cli/run_session.h"
+#include "platform/policy_power_gate.h"
+#include "platform/power_source.h"
 
 namespace brindle {
 
 namespace {
 
 /// Everything that holds sleep off lives and ends in here, before this process may die of the command's signal.
-RunResult runHere(const RunRequest& request, CommandContext& context) {
+RunResult runHere(const RunRequest& request, std::int64_t batteryFloor, CommandContext& context) {
   auto loop = EventLoop::create();
   if (!loop) {
     context.output.remark(loop.error().message());
@@ -18,7 +20,7 @@ RunResult runHere(const RunRequest& request, CommandContext& context) {
   }
   const auto client = connectToHelper(*loop);
   LoopHoldTimer timer(*loop);
-  OpenPowerGate gate;
+  PolicyPowerGate gate(*loop, batteryFloor, readPowerAndHeat);
   return runHeld(*loop, {.client = *client, .timer = timer, .gate = gate}, request, context);
 }
 
@@ -26,8 +28,11 @@ int runRun(const Arguments& arguments, CommandContext& context) {
   if (arguments.trailing.empty()) return wrongUsage(context, "run: expected a command");
   const auto [duration, wrong] = holdDuration(arguments.value("--for"));
   if (!wrong.empty()) return wrongUsage(context, "run: " + wrong);
-  const RunResult result = runHere(
-      {.words = arguments.trailing, .duration = duration, .bestEffort = arguments.has("--best-effort")}, context);
+  const BatteryFloor floor = batteryFloorOf(arguments.value("--battery-floor"));
+  if (!floor.problem.empty()) return wrongUsage(context, "run: " + floor.problem);
+  const RunResult result =
+      runHere({.words = arguments.trailing, .duration = duration, .bestEffort = arguments.has("--best-effort")},
+              floor.percent, context);
   if (!result.child) return result.code;
   if (result.child->killedBy == 0) return result.child->exitStatus;
   dieOf(result.child->killedBy);
@@ -36,6 +41,9 @@ int runRun(const Arguments& arguments, CommandContext& context) {
 
 constexpr OptionSpec kOptions[] = {
     {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"},
+    {.name = "--battery-floor",
+     .value = "PERCENT",
+     .help = "let go at this charge on battery, 5 to 90; 20 when not given"},
     {.name = "--best-effort", .help = "runs COMMAND also when sleep cannot be held off"}};
 
 }  // namespace
@@ -43,7 +51,7 @@ constexpr OptionSpec kOptions[] = {
 constinit const Command kRunCommand = {
     .name = "run",
     .summary = "holds system sleep off while a command runs",
-    .usage = "[--for DURATION] [--best-effort] -- COMMAND…",
+    .usage = "[--for DURATION] [--battery-floor PERCENT] [--best-effort] -- COMMAND…",
     .details =
         "COMMAND keeps its terminal, streams and signals, and its exit status is passed on: 128 and the number\n"
         "of the signal when one killed it, 127 when there is no such command, 126 when it cannot be executed.\n"

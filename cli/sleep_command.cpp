@@ -5,6 +5,8 @@
 #include "cli/exit_code.h"
 #include "cli/hold_text.h"
 #include "cli/sleep_off.h"
+#include "platform/policy_power_gate.h"
+#include "platform/power_source.h"
 
 namespace brindle {
 
@@ -18,9 +20,11 @@ int problem(const HelperProblem& problem, CommandContext& context) {
 int off(const Arguments& arguments, EventLoop& loop, CommandContext& context) {
   const auto [duration, wrong] = holdDuration(arguments.value("--for"));
   if (!wrong.empty()) return wrongUsage(context, "sleep: " + wrong);
+  const BatteryFloor floor = batteryFloorOf(arguments.value("--battery-floor"));
+  if (!floor.problem.empty()) return wrongUsage(context, "sleep: " + floor.problem);
   const auto client = connectToHelper(loop);
   LoopHoldTimer timer(loop);
-  OpenPowerGate gate;
+  PolicyPowerGate gate(loop, floor.percent, readPowerAndHeat);
   return sleepOff(loop, {.client = *client, .timer = timer, .gate = gate}, duration, context);
 }
 
@@ -64,7 +68,11 @@ int status(EventLoop& loop, CommandContext& context) {
 
 int runSleep(const Arguments& arguments, CommandContext& context) {
   const std::string& verb = arguments.words[0];
-  if (verb != "off" && arguments.has("--for")) return wrongUsage(context, "sleep: --for goes with off only");
+  for (const std::string_view option : {"--for", "--battery-floor"}) {
+    if (verb != "off" && arguments.has(option)) {
+      return wrongUsage(context, "sleep: " + std::string(option) + " goes with off only");
+    }
+  }
   auto loop = EventLoop::create();
   if (!loop) {
     context.output.remark(loop.error().message());
@@ -80,14 +88,17 @@ constexpr ArgumentSpec kArguments[] = {{.name = "off|on|status",
                                         .help = "hold sleep off until interrupted, switch it on, or say how it is",
                                         .choices = kVerbs}};
 constexpr OptionSpec kOptions[] = {
-    {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"}};
+    {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"},
+    {.name = "--battery-floor",
+     .value = "PERCENT",
+     .help = "let go at this charge on battery, 5 to 90; 20 when not given"}};
 
 }  // namespace
 
 constinit const Command kSleepCommand = {
     .name = "sleep",
     .summary = "switches system sleep off or on, or tells which it is",
-    .usage = "off [--for DURATION]\non\nstatus",
+    .usage = "off [--for DURATION] [--battery-floor PERCENT]\non\nstatus",
     .details =
         "'off' holds sleep off as long as it runs, the lid closed or not, and lets go however it ends: after\n"
         "the time, at Ctrl-C, or killed. Its exit status is 0 when the time is over, 128 and the number of the\n"

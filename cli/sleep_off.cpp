@@ -17,7 +17,10 @@ constexpr auto kSignals = std::to_array<int>({SIGINT, SIGTERM, SIGHUP, SIGQUIT})
 class SleepOff {
  public:
   SleepOff(EventLoop& loop, SleepHolder::Parts parts, CommandContext& context)
-      : loop_(loop), output_(context.output), holder_(parts, [this](const HoldNews& news) { told(news); }) {}
+      : loop_(loop),
+        output_(context.output),
+        terminal_(context.terminals.output),
+        holder_(parts, [this](const HoldNews& news) { told(news); }) {}
 
   int run(Seconds duration) {
     const auto signals = watchSignals(loop_, kSignals, [this](SignalNote note) { interrupted(note.number); });
@@ -34,6 +37,7 @@ class SleepOff {
   void interrupted(int signal) {
     if (signal_ != 0) return loop_.exit(ExitCode::kSignalBase + signal);
     signal_ = signal;
+    if (terminal_ && signal == SIGINT) output_.print("\n");  // below the "^C" that the terminal has shown
     holder_.letGo();
   }
 
@@ -79,6 +83,7 @@ class SleepOff {
 
   EventLoop& loop_;
   Output& output_;
+  bool terminal_;
   SleepHolder holder_;
   bool holding_ = false;
   int signal_ = 0;

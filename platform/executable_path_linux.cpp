@@ -1,6 +1,6 @@
-#include <filesystem>
-
 #include "platform/executable_path.h"
+
+#include <filesystem>
 
 namespace brindle {
 

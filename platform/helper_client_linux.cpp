@@ -1,9 +1,10 @@
-#include <algorithm>
-#include <array>
+#include "platform/helper_client.h"
+
 #include <map>
+#include <optional>
 
 #include "logic/helper/helper_identity.h"
-#include "platform/helper_client.h"
+#include "platform/bus_problem.h"
 #include "system/bus_connection_linux.h"
 
 namespace brindle {
@@ -20,34 +21,13 @@ constexpr const char* kBusPath = "/org/freedesktop/DBus";
 
 std::string helperName() { return std::string(HelperIdentity::kBusName); }
 
-HelperProblem notInstalled() {
-  return {HelperProblemKind::notInstalled, "nothing provides " + helperName() +
-                                               " on the system bus; install it with 'sudo cmake --install "
-                                               "build/release' and 'sudo systemctl reload dbus'"};
-}
-
-/// What the bus's error names mean for a caller. Names that are not here are trouble that may pass.
-HelperProblem problemOf(std::string_view name, std::string_view text) {
-  constexpr auto kMissing = std::to_array<std::string_view>(
-      {"org.freedesktop.DBus.Error.ServiceUnknown", "org.freedesktop.DBus.Error.NameHasNoOwner",
-       "org.freedesktop.DBus.Error.Spawn.ServiceNotFound", "org.freedesktop.systemd1.NoSuchUnit",
-       "org.freedesktop.systemd1.UnitMasked"});
-  constexpr auto kRefusals = std::to_array<std::string_view>(
-      {"org.freedesktop.DBus.Error.AccessDenied", "org.freedesktop.DBus.Error.AuthFailed",
-       "org.freedesktop.DBus.Error.InteractiveAuthorizationRequired"});
-  if (std::ranges::find(kMissing, name) != kMissing.end()) return notInstalled();
-  const bool refused = std::ranges::find(kRefusals, name) != kRefusals.end();
-  return {refused ? HelperProblemKind::refused : HelperProblemKind::unreachable,
-          text.empty() ? std::string(name) : std::string(text)};
-}
-
 HelperProblem problemOf(const Failure& failure) { return {HelperProblemKind::unreachable, failure.message()}; }
 
 /// The error that `reply` is, or none.
 std::optional<HelperProblem> problemOf(sd_bus_message* reply) {
   const sd_bus_error* error = sd_bus_message_get_error(reply);
   if (error == nullptr) return std::nullopt;
-  return problemOf(error->name, error->message != nullptr ? error->message : "");
+  return busProblem(error->name, error->message != nullptr ? error->message : "");
 }
 
 HelperProblem unreadable() { return {HelperProblemKind::unreachable, "the helper's answer cannot be read"}; }
@@ -175,7 +155,7 @@ class BusHelperClient : public HelperClient {
   void whetherInstalled(const StatusAnswered& answered) {
     auto message = bus_->newCall({kBusService, kBusPath, kBusService, "ListActivatableNames"});
     send<HelperStatus>(std::move(message), kStatusTimeout, answered, [](sd_bus_message* reply) {
-      HelperAnswer<HelperStatus> answer = tl::make_unexpected(notInstalled());
+      HelperAnswer<HelperStatus> answer = tl::make_unexpected(helperMissingOnBus());
       if (sd_bus_message_enter_container(reply, 'a', "s") <= 0) return answer;
       const char* name = nullptr;
       while (sd_bus_message_read(reply, "s", &name) > 0) {

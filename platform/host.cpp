@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <set>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -42,11 +44,10 @@ void sampleCpu(const Environment& environment, const std::string& boot, std::vec
   if (ensureFolder(*folder)) (void)replaceFile(path, cpuSampleText(now)).has_value();
 }
 
-Outcome sampleTwice(const HostQuestion& question, std::uint32_t user, const std::string& boot,
-                    ProcessListing& listing) {
+Outcome sampleTwice(const ListingQuestion& question, Seconds wait, const std::string& boot, ProcessListing& listing) {
   const CpuSample before = cpuSampleOf(listing.processes, boot, bootClockNow());
-  std::this_thread::sleep_for(*question.sampleFor);
-  auto again = listProcesses(user, question.detail);
+  std::this_thread::sleep_for(wait);
+  auto again = listProcesses(question);
   if (!again) return tl::make_unexpected(again.error());
   listing = std::move(*again);
   applyCpuSamples(before, cpuSampleOf(listing.processes, boot, bootClockNow()), listing.processes);
@@ -57,25 +58,31 @@ Outcome sampleTwice(const HostQuestion& question, std::uint32_t user, const std:
 
 ProtectionRules protectionRulesOf(const Environment& environment) {
   const auto path = settingsFile(environment);
-  const auto text = path ? readFile(*path, kSettingsLimit) : Result<std::string>(fail(0, ""));
-  const auto settings = text ? parseJson(*text) : std::nullopt;
+  if (!path) return {};
+  // Settings are often links into a folder under version control.
+  std::error_code missing;
+  const auto resolved = std::filesystem::canonical(*path, missing);
+  const auto text = missing ? std::nullopt : std::optional(readFile(resolved.string(), kSettingsLimit));
+  const auto settings = text && *text ? parseJson(**text) : std::nullopt;
   return settings ? protectionRulesFrom(*settings) : ProtectionRules{};
 }
 
 Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuestion& question) {
   const std::uint32_t user = ::geteuid();
   const std::string boot = bootId();
-  auto listing = listProcesses(user, question.detail);
+  std::vector<OwnershipRecord> records;
+  if (const auto folder = stateFolder(environment)) records = OwnershipStore(*folder).records(boot);
+  ListingQuestion listingQuestion{.currentUser = user, .detail = question.detail};
+  for (const OwnershipRecord& record : records) listingQuestion.recorded.insert({record.pid, record.startTime});
+  auto listing = listProcesses(listingQuestion);
   if (!listing) return tl::make_unexpected(listing.error());
   if (question.sampleFor) {
-    if (auto sampled = sampleTwice(question, user, boot, *listing); !sampled) {
+    if (auto sampled = sampleTwice(listingQuestion, *question.sampleFor, boot, *listing); !sampled) {
       return tl::make_unexpected(sampled.error());
     }
   } else if (question.detail != ListingDetail::listeners) {
     sampleCpu(environment, boot, listing->processes);
   }
-  std::vector<OwnershipRecord> records;
-  if (const auto folder = stateFolder(environment)) records = OwnershipStore(*folder).records(boot);
   ProjectFinder projects(homeFolder(environment).value_or(""), manifestText);
   const ProtectionRules protections = protectionRulesOf(environment);
   const SnapshotContext context{wallClockNow(), user, hostRules(), protections};

@@ -7,8 +7,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/result.h"
@@ -22,10 +24,11 @@ inline constexpr std::size_t kProcessLimit = 65536;
 enum class ListingDetail {
   /// Everything of every process of the current user, and the listeners of all.
   everything,
-  /// Everything of processes that listen and their ancestors; for the others pid, parent, user, name and start.
+  /// Programs and folders of processes that listen, and their ancestors' programs; for the others pid, parent, user,
+  /// name and start. No memory.
   listeners,
-  /// Everything of agents, what is below them, and what has been adopted by the system; for the others what is needed
-  /// to recognise an agent.
+  /// Everything of agents, what is below them, and what has been adopted by the system and shows a trace of one; for
+  /// the others what is needed to recognise an agent.
   agents,
 };
 
@@ -37,8 +40,15 @@ struct ProcessListing {
   int unownedListeners = 0;
 };
 
-/// Fails with errno when the process table cannot be opened.
-[[nodiscard]] Result<ProcessListing> listProcesses(std::uint32_t currentUser, ListingDetail detail);
+struct ListingQuestion {
+  std::uint32_t currentUser = 0;
+  ListingDetail detail = ListingDetail::everything;
+  /// Pids and start stamps of processes that records tie to an agent; they are of interest like agents.
+  std::set<std::pair<std::int32_t, std::int64_t>> recorded = {};
+};
+
+/// Fails with errno when the process table cannot be opened. May use a second thread for its length.
+[[nodiscard]] Result<ProcessListing> listProcesses(const ListingQuestion& question);
 
 /// A process, its parent, its parent's parent and so on, at most 64, with names, paths, arguments and start stamps
 /// only. Empty when there is no such process.
@@ -49,6 +59,9 @@ struct ProcessListing {
 
 /// The start stamp of a process; none when there is no such process or it has ended and waits for its parent.
 [[nodiscard]] std::optional<std::int64_t> startStampOf(std::int32_t pid);
+
+/// The TCP ports that somebody listens on now.
+[[nodiscard]] std::set<int> listeningPorts();
 
 /// The kernel's id of this boot; empty when it tells none.
 [[nodiscard]] std::string bootId();

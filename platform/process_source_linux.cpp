@@ -6,6 +6,7 @@
 #include "platform/proc_facts_linux.h"
 #include "platform/proc_folder_linux.h"
 #include "platform/process_source.h"
+#include "platform/socket_table_linux.h"
 
 namespace brindle {
 namespace {
@@ -53,6 +54,14 @@ std::optional<std::int64_t> startStampOf(std::int32_t pid) {
   const auto entry = proc ? proc->entry(pid) : std::nullopt;
   if (!entry || entry->stat.state == 'Z' || entry->stat.state == 'X') return std::nullopt;
   return entry->stat.startTicks;
+}
+
+std::set<int> listeningPorts() {
+  std::set<int> ports;
+  const auto proc = ProcFolder::open();
+  if (!proc) return ports;
+  for (const TcpSocket& socket : tcpSockets(*proc, false)) ports.insert(socket.port);
+  return ports;
 }
 
 std::string bootId() {

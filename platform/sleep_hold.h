@@ -9,83 +9,13 @@
 // when nothing answers. So two holders share one hold, and a restarted helper is found again. Only a refusal ends it.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
-#include <variant>
 
 #include "platform/helper_client.h"
+#include "platform/hold_phase.h"
 
 namespace brindle {
-
-enum class HoldPhase {
-  /// Nothing has been asked yet.
-  idle,
-  /// The helper has been asked to switch sleep off and has not answered.
-  asking,
-  /// Sleep is off.
-  held,
-  /// Sleep is on, against our will; asked again at the next beat.
-  waiting,
-  /// Sleep is on because the battery or the heat wants it so.
-  paused,
-  /// The helper has been asked to switch sleep on and has not answered.
-  lettingGo,
-  /// Over; see end().
-  ended,
-};
-
-template <>
-inline constexpr auto kEnumTexts<HoldPhase> = std::to_array<EnumText<HoldPhase>>({
-    {HoldPhase::idle, "idle"},
-    {HoldPhase::asking, "asking"},
-    {HoldPhase::held, "held"},
-    {HoldPhase::waiting, "waiting"},
-    {HoldPhase::paused, "paused"},
-    {HoldPhase::lettingGo, "lettingGo"},
-    {HoldPhase::ended, "ended"},
-});
-
-enum class HoldEnd {
-  /// The holder let go.
-  released,
-  /// The duration that was asked for is over.
-  timeOver,
-  /// The helper refuses because an earlier hold ran into its limit and nobody has switched sleep on since.
-  maxDurationReached,
-  /// The helper does not admit this user or program.
-  refused,
-  /// The first request failed; see problem().
-  failed,
-};
-
-template <>
-inline constexpr auto kEnumTexts<HoldEnd> = std::to_array<EnumText<HoldEnd>>({
-    {HoldEnd::released, "released"},
-    {HoldEnd::timeOver, "timeOver"},
-    {HoldEnd::maxDurationReached, "maxDurationReached"},
-    {HoldEnd::refused, "refused"},
-    {HoldEnd::failed, "failed"},
-});
-
-/// Names one call; only the answer to the latest call counts.
-using HoldTicket = std::uint64_t;
-
-struct AskToDisable {
-  HoldTicket ticket = 0;
-  Seconds maxDuration{0};
-  bool operator==(const AskToDisable&) const = default;
-};
-struct SendHeartbeat {
-  HoldTicket ticket = 0;
-  bool operator==(const SendHeartbeat&) const = default;
-};
-struct AskToEnable {
-  HoldTicket ticket = 0;
-  bool operator==(const AskToEnable&) const = default;
-};
-/// What the driver does next; none for nothing.
-using HoldAction = std::optional<std::variant<AskToDisable, SendHeartbeat, AskToEnable>>;
 
 /// How long letting go waits for the helper's answer. The end of the connection does it too, only later.
 inline constexpr Seconds kLetGoPatience{2};

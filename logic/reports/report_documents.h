@@ -1,8 +1,8 @@
 // The documents that the command-line reports and the MCP tools answer with.
 //
-// Built by CLIReports and IdleStop, written by CLIReports::jsonText, read by scripts: JSON keys are the field names,
-// and every document carries a format version and its command's name, so that a script can check what it reads.
-// Plain values: safe on any thread.
+// Built by CLIReports (the one of idle processes by IdleStop), written by CLIReports::jsonText, read by scripts: JSON
+// keys are the field names, and every document carries a format version and its command's name, so that a script can
+// check what it reads. Plain values: safe on any thread.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,10 @@
 #include <vector>
 
 #include "base/json_value.h"
+#include "logic/reports/idle_document.h"
+#include "logic/reports/report_schema.h"
 
 namespace brindle {
-
-/// The format version that the reports of this program write.
-inline constexpr int kReportSchema = 1;
 
 struct StatusDocument {
   int schema = kReportSchema;
@@ -103,38 +102,9 @@ struct AgentsDocument {
   bool operator==(const AgentsDocument&) const = default;
 };
 
-struct IdleRow {
-  std::int32_t pid = 0;
-  std::vector<int> ports;
-  std::string name;
-  std::optional<std::string> project;
-  std::int64_t uptimeSeconds = 0;
-  std::uint64_t memoryBytes = 0;
-  /// Why the process is kept; absent when it may be stopped. The key is "protected".
-  std::optional<std::string> protectedReason;
-
-  bool operator==(const IdleRow&) const = default;
-};
-
-struct IdleDocument {
-  int schema = kReportSchema;
-  std::string command = "idle";
-  /// There is something to stop.
-  bool idle = false;
-  /// The age from which a process was considered.
-  std::int64_t minimumAgeSeconds = 0;
-  std::vector<IdleRow> stop;
-  /// Old enough, but protected.
-  std::vector<IdleRow> skipped;
-  std::string summary;
-
-  bool operator==(const IdleDocument&) const = default;
-};
-
 /// Absent fields have no key and are never written as null.
 [[nodiscard]] JsonObject encode(const StatusDocument& document);
 [[nodiscard]] JsonObject encode(const PortsDocument& document);
 [[nodiscard]] JsonObject encode(const AgentsDocument& document);
-[[nodiscard]] JsonObject encode(const IdleDocument& document);
 
 }  // namespace brindle

@@ -145,11 +145,14 @@ AgentSession sessionOf(const TrackedProcess& root, const std::vector<const Track
 class Snapshot {
  public:
   Snapshot(const std::vector<TrackedProcess>& processes, std::uint32_t currentUser, const SystemProcessRules& rules)
-      : processes_(processes), forest_(forestOf(processes)), ofUser_(processes.size()), seen_(processes.size(), 0) {
+      : processes_(processes),
+        currentUser_(currentUser),
+        rules_(rules),
+        forest_(forestOf(processes)),
+        seen_(processes.size(), 0) {
     for (Index index = 0; index < processes_.size(); ++index) {
       const TrackedProcess& process = processes_[index];
-      ofUser_[index] = isUserProcess(process, currentUser, rules) && forest_.exists(index);
-      if (ofUser_[index] && process.recordedAgentAlive && process.recordedAgentPID) {
+      if (process.recordedAgentAlive && process.recordedAgentPID && isOfUser(index)) {
         recorded_[*process.recordedAgentPID].push_back(index);
       }
     }
@@ -160,7 +163,7 @@ class Snapshot {
     std::vector<Index> roots;
     for (Index index = 0; index < processes_.size(); ++index) {
       const TrackedProcess& process = processes_[index];
-      if (ofUser_[index] && process.role == ProcessRole::agent && process.agentName &&
+      if (process.role == ProcessRole::agent && process.agentName && isOfUser(index) &&
           !ancestors.hasAgentAbove(index)) {
         roots.push_back(index);
       }
@@ -181,15 +184,21 @@ class Snapshot {
     }
     std::vector<const TrackedProcess*> children;
     for (const Index member : members) {
-      if (ofUser_[member]) children.push_back(&processes_[member]);
+      if (isOfUser(member)) children.push_back(&processes_[member]);
     }
     return children;
   }
 
  private:
+  /// Asked only about processes that matter for another reason: most of a large snapshot never is.
+  [[nodiscard]] bool isOfUser(Index index) const {
+    return forest_.exists(index) && isUserProcess(processes_[index], currentUser_, rules_);
+  }
+
   const std::vector<TrackedProcess>& processes_;
+  std::uint32_t currentUser_;
+  const SystemProcessRules& rules_;
   ProcessForest forest_;
-  std::vector<bool> ofUser_;
   /// User processes under the pid of the running agent that a hook record names, in snapshot order.
   std::unordered_map<std::int32_t, std::vector<Index>> recorded_;
   std::vector<std::uint32_t> seen_;

@@ -3,16 +3,18 @@
 namespace brindle {
 
 ProcessForest::ProcessForest(std::span<const Link> links)
-    : links_(links.begin(), links.end()), childrenBegin_(links.size() + 1, 0) {
+    : links_(links.begin(), links.end()), exists_(links.size()), childrenBegin_(links.size() + 1, 0) {
   firstByPid_.reserve(links_.size());
-  for (Index index = 0; index < links_.size(); ++index) firstByPid_.try_emplace(links_[index].pid, index);
+  for (Index index = 0; index < links_.size(); ++index) {
+    exists_[index] = firstByPid_.try_emplace(links_[index].pid, index).second;
+  }
 
   // A counting sort by parent keeps list order and needs no list of its own for each parent.
   constexpr Index kNone = ~Index{0};
   std::vector<Index> parents(links_.size(), kNone);
   for (Index index = 0; index < links_.size(); ++index) {
-    if (!exists(index)) continue;
-    if (const auto parent = parentOf(index)) {
+    const auto parent = exists(index) ? find(links_[index].ppid) : std::nullopt;
+    if (parent) {
       parents[index] = *parent;
       ++childrenBegin_[*parent + 1];
     }

@@ -31,7 +31,7 @@ class ProcessForest {
   /// Where `pid` first stands; none when it is not in the list.
   [[nodiscard]] std::optional<Index> find(std::int32_t pid) const;
   /// False for a later entry with a pid that came before.
-  [[nodiscard]] bool exists(Index index) const { return find(links_[index].pid) == index; }
+  [[nodiscard]] bool exists(Index index) const { return exists_[index]; }
   /// The entry that has this one's ppid as its pid, itself included; none when it is not in the list.
   [[nodiscard]] std::optional<Index> parentOf(Index index) const { return find(links_[index].ppid); }
   /// The existing entries whose ppid is this one's pid, in list order. Valid as long as the forest.
@@ -46,6 +46,7 @@ class ProcessForest {
  private:
   std::vector<Link> links_;
   std::unordered_map<std::int32_t, Index> firstByPid_;
+  std::vector<bool> exists_;
   /// The children of entry i are children_[childrenBegin_[i]] up to, not including, children_[childrenBegin_[i + 1]].
   std::vector<Index> childrenBegin_;
   std::vector<Index> children_;

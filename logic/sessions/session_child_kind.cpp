@@ -1,6 +1,8 @@
 #include "logic/sessions/session_child_kind.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -74,12 +76,12 @@ void note(SessionChildKind kind, WordKinds& found) {
 /// Stops early at an MCP word, which decides alone.
 WordKinds findWords(std::string_view haystack) {
   WordKinds found;
-  for (std::size_t at = 0; at < haystack.size() && !found.mcp; ++at) {
-    const WordSet words = kWordsByFirstByte[static_cast<unsigned char>(haystack[at])];
-    for (std::size_t word = 0; words >> word != 0; ++word) {
-      if ((words >> word & 1U) != 0 && haystack.substr(at).starts_with(kWords[word].text)) {
-        note(kWords[word].kind, found);
-      }
+  for (std::size_t at = 0; at + 1 < haystack.size() && !found.mcp; ++at) {
+    WordSet words = kWordsByFirstByte[static_cast<unsigned char>(haystack[at])];
+    for (; words != 0; words = static_cast<WordSet>(words & (words - 1U))) {
+      const Word& word = kWords[static_cast<std::size_t>(std::countr_zero(words))];
+      // The second byte tells most misses apart without a call.
+      if (haystack[at + 1] == word.text[1] && haystack.substr(at).starts_with(word.text)) note(word.kind, found);
     }
   }
   return found;
@@ -87,23 +89,22 @@ WordKinds findWords(std::string_view haystack) {
 
 /// Folding ASCII letters alone finds the same words as the full lower-case mapping: the only other characters that
 /// map into ASCII are U+212A, to a "k" that no word has, and U+0130, to an "i" with a mark after it that no word has.
-void appendFolded(std::string_view text, std::string& out) {
-  for (const char byte : text) {
-    out.push_back(byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte);
-  }
+/// Writes the folded text to `out`, which has room for it, and returns where it ended.
+char* writeFolded(std::string_view text, char* out) {
+  return std::transform(text.begin(), text.end(), out, [](char byte) {
+    const bool upper = byte >= 'A' && byte <= 'Z';
+    return static_cast<char>(byte + (upper ? 'a' - 'A' : 0));
+  });
 }
 
 }  // namespace
 
 SessionChildKind classifyChild(const TrackedProcess& process) {
   const std::string_view path = process.path ? std::string_view(*process.path) : std::string_view();
-  std::string haystack;
-  haystack.reserve(process.commandLine.size() + path.size() + process.name.size() + 2);
-  appendFolded(process.commandLine, haystack);
-  haystack.push_back(' ');
-  appendFolded(path, haystack);
-  haystack.push_back(' ');
-  appendFolded(process.name, haystack);
+  std::string haystack(process.commandLine.size() + path.size() + process.name.size() + 2, ' ');
+  char* end = writeFolded(process.commandLine, haystack.data());
+  end = writeFolded(path, end + 1);
+  writeFolded(process.name, end + 1);
 
   const WordKinds found = findWords(haystack);
   if (found.mcp) return SessionChildKind::mcp;

@@ -1,10 +1,89 @@
 #include "logic/sessions/system_process_rules.h"
 
 #include <algorithm>
+#include <array>
 
 #include "logic/sessions/tracked_process.h"
 
 namespace brindle {
+namespace {
+
+// The kernel cuts process names to 15 bytes, so longer names stand here in both forms.
+constexpr auto kLinuxNames = std::to_array<const char*>({
+    // init systems
+    "init",
+    "systemd",
+    "(sd-pam)",
+    "openrc-init",
+    "runit",
+    "s6-svscan",
+    "tini",
+    "dumb-init",
+    "docker-init",
+    "catatonit",
+    // session buses
+    "dbus-daemon",
+    "dbus-launch",
+    "dbus-run-session",
+    "dbus-run-sessio",
+    "dbus-broker",
+    "dbus-broker-launch",
+    "dbus-broker-lau",
+    // display servers and their managers
+    "Xorg",
+    "X",
+    "Xwayland",
+    "Xvfb",
+    "gdm-wayland-session",
+    "gdm-wayland-ses",
+    "gdm-x-session",
+    "sddm",
+    "lightdm",
+    "weston",
+    // desktop shells
+    "gnome-shell",
+    "gnome-session",
+    "gnome-session-binary",
+    "gnome-session-b",
+    "gnome-session-ctl",
+    "gnome-session-c",
+    "mutter",
+    "plasmashell",
+    "plasma_session",
+    "ksmserver",
+    "kwin_x11",
+    "kwin_wayland",
+    "kwin_wayland_wrapper",
+    "kwin_wayland_wr",
+    "xfce4-session",
+    "xfce4-panel",
+    "xfwm4",
+    "xfdesktop",
+    "cinnamon",
+    "cinnamon-session",
+    "cinnamon-sessio",
+    "mate-session",
+    "mate-panel",
+    "marco",
+    "lxqt-session",
+    "lxqt-panel",
+    "openbox",
+    "i3",
+    "sway",
+    "Hyprland",
+    "labwc",
+    "wayfire",
+    "niri",
+    // sound servers
+    "pulseaudio",
+    "pipewire",
+    "pipewire-pulse",
+    "pipewire-media-session",
+    "pipewire-media-",
+    "wireplumber",
+});
+
+}  // namespace
 
 const SystemProcessRules& SystemProcessRules::forMacOS() {
   static const SystemProcessRules rules{
@@ -16,84 +95,10 @@ const SystemProcessRules& SystemProcessRules::forMacOS() {
   return rules;
 }
 
-// The kernel cuts process names to 15 bytes, so longer names stand here in both forms.
 const SystemProcessRules& SystemProcessRules::forLinux() {
   static const SystemProcessRules rules{
       .minimumPid = 2,
-      .names =
-          {
-              // init systems
-              "init",
-              "systemd",
-              "(sd-pam)",
-              "openrc-init",
-              "runit",
-              "s6-svscan",
-              "tini",
-              "dumb-init",
-              "docker-init",
-              "catatonit",
-              // session buses
-              "dbus-daemon",
-              "dbus-launch",
-              "dbus-run-session",
-              "dbus-run-sessio",
-              "dbus-broker",
-              "dbus-broker-launch",
-              "dbus-broker-lau",
-              // display servers and their managers
-              "Xorg",
-              "X",
-              "Xwayland",
-              "Xvfb",
-              "gdm-wayland-session",
-              "gdm-wayland-ses",
-              "gdm-x-session",
-              "sddm",
-              "lightdm",
-              "weston",
-              // desktop shells
-              "gnome-shell",
-              "gnome-session",
-              "gnome-session-binary",
-              "gnome-session-b",
-              "gnome-session-ctl",
-              "gnome-session-c",
-              "mutter",
-              "plasmashell",
-              "plasma_session",
-              "ksmserver",
-              "kwin_x11",
-              "kwin_wayland",
-              "kwin_wayland_wrapper",
-              "kwin_wayland_wr",
-              "xfce4-session",
-              "xfce4-panel",
-              "xfwm4",
-              "xfdesktop",
-              "cinnamon",
-              "cinnamon-session",
-              "cinnamon-sessio",
-              "mate-session",
-              "mate-panel",
-              "marco",
-              "lxqt-session",
-              "lxqt-panel",
-              "openbox",
-              "i3",
-              "sway",
-              "Hyprland",
-              "labwc",
-              "wayfire",
-              "niri",
-              // sound servers
-              "pulseaudio",
-              "pipewire",
-              "pipewire-pulse",
-              "pipewire-media-session",
-              "pipewire-media-",
-              "wireplumber",
-          },
+      .names = std::unordered_set<std::string>(kLinuxNames.begin(), kLinuxNames.end()),
       .pathPrefixes = {"/usr/lib/systemd/", "/lib/systemd/", "/usr/libexec/", "/usr/sbin/", "/sbin/"},
   };
   return rules;

@@ -25,6 +25,16 @@ TEST(MemoryByteCount, ChangesTheUnitExactlyAtPowersOf1024) {
   EXPECT_EQ(memoryByteCount(std::int64_t{1} << 60), "1 EB");
 }
 
+TEST(MemoryByteCount, ShowsTheDecimalsOfEveryUnit) {
+  constexpr std::int64_t kQuarter = 1280 + 1;  // 1.251 in units of 1024
+  EXPECT_EQ(memoryByteCount(kQuarter), "1 KB");
+  EXPECT_EQ(memoryByteCount(kQuarter << 10), "1.3 MB");
+  EXPECT_EQ(memoryByteCount(kQuarter << 20), "1.25 GB");
+  EXPECT_EQ(memoryByteCount(kQuarter << 30), "1.25 TB");
+  EXPECT_EQ(memoryByteCount(kQuarter << 40), "1.25 PB");
+  EXPECT_EQ(memoryByteCount(kQuarter << 50), "1.25 EB");
+}
+
 TEST(MemoryByteCount, CarriesAMinusForNegativeCounts) {
   EXPECT_EQ(memoryByteCount(-1), "-1 byte");
   EXPECT_EQ(memoryByteCount(-2), "-2 bytes");

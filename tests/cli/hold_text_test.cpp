@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "logic/helper/lid_sleep_limits.h"
 
 namespace brindle {
@@ -27,6 +29,23 @@ TEST(HoldText, RefusesMoreThanTheLimitAndNothing) {
 
 TEST(HoldText, SaysWhatADurationLooksLike) {
   EXPECT_EQ(problemOf("4"), "--for 4: expected a duration such as 90s, 45m, 4h or 1h30m");
+}
+
+TEST(HoldText, LetsGoAtTwentyPercentWhenNothingIsSaid) {
+  EXPECT_EQ(batteryFloorOf(std::nullopt), (BatteryFloor{.percent = 20}));
+}
+
+TEST(HoldText, TakesABatteryFloorFromFiveToNinety) {
+  EXPECT_EQ(batteryFloorOf("5"), (BatteryFloor{.percent = 5}));
+  EXPECT_EQ(batteryFloorOf("35"), (BatteryFloor{.percent = 35}));
+  EXPECT_EQ(batteryFloorOf("90"), (BatteryFloor{.percent = 90}));
+  EXPECT_EQ(batteryFloorOf("35%"), (BatteryFloor{.percent = 35}));
+}
+
+TEST(HoldText, RefusesEveryOtherBatteryFloor) {
+  for (const std::string text : {"4", "91", "0", "-20", "", "%", "20%%", "20.5", " 20", "x", "99999999999999999999"}) {
+    EXPECT_EQ(batteryFloorOf(text).problem, "--battery-floor " + text + ": expected a percentage from 5 to 90");
+  }
 }
 
 TEST(HoldText, TellsAMissingHelperFromOneThatRefuses) {
@@ -59,6 +78,17 @@ TEST(HoldText, TellsAPauseFromALoss) {
   EXPECT_EQ(interruptionText({.phase = HoldPhase::waiting, .text = "the helper has ended"}),
             "sleep is on, asking again soon: the helper has ended");
   EXPECT_EQ(interruptionText({.phase = HoldPhase::paused}), "sleep is on for now");
+}
+
+TEST(BatteryFloor, TakesAPercentageFromFiveToNinety) {
+  const auto percent = [](std::string text) { return batteryFloorOf(text).percent; };
+  EXPECT_EQ(batteryFloorOf(std::nullopt), (BatteryFloor{.percent = 20}));
+  EXPECT_EQ(percent("5"), 5);
+  EXPECT_EQ(percent("90"), 90);
+  EXPECT_EQ(percent("35%"), 35);
+  for (const char* text : {"4", "91", "-5", "x", "", "%", "20%%", "20.5"}) {
+    EXPECT_NE(batteryFloorOf(std::string(text)).problem, "") << text;
+  }
 }
 
 }  // namespace

@@ -124,6 +124,22 @@ TEST_F(RunSessionTest, RunsTheCommandWhileTheBatteryForbidsAHold) {
   EXPECT_TRUE(client.calls.empty());
 }
 
+TEST_F(RunSessionTest, TellsOfAPauseAndOfTheReturnWhileTheCommandGoesOn) {
+  loop.post([this] {
+    loop.post([this] {
+      gate.change({.mayHold = false, .why = "the battery is at 15 %"});
+      loop.post([this] {
+        gate.change({});
+        loop.post([this] { gateway.reset(); });
+      });
+    });
+  });
+  EXPECT_EQ(run(untilClosed(6)), (RunResult{.child = ChildEnd{.exitStatus = 6}}));
+  EXPECT_EQ(client.calls, (std::vector<std::string>{"disable 3600", "enable", "disable 3600", "enable"}));
+  EXPECT_EQ(recorded.remarks.text,
+            "brindle: sleep is on for now: the battery is at 15 %\nbrindle: sleep is off again\n");
+}
+
 TEST_F(RunSessionTest, PassesOnWhatAProcessSends) {
   // The shell asks its parent, which is this process, for the signal and then dies of it.
   EXPECT_EQ(run("trap 'exit 9' USR1; kill -USR1 $PPID; for turn in $(seq 100); do sleep 0.1; done"),

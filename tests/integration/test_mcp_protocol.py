@@ -176,6 +176,7 @@ class Manners(unittest.TestCase):
             self.assertEqual(client.process.wait(10), 0)
             self.assertEqual(client.process.stderr.read(), b"")
 
+    @unittest.skipUnless(os.path.isdir("/proc/self/fd"), "skipped: needs /proc")
     def test_descriptor_1_points_at_standard_error(self):
         with Client() as client:
             client.ask("ping")

@@ -22,7 +22,7 @@ class OnATerminal(CommandCase):
         self.screen.wait_for(r"Sleep is off for 2h; Ctrl-C switches it back on\.\r\n")
         self.assert_held()
         self.screen.type("\x03")
-        self.screen.wait_for(r"\^C(\r\n)?Sleep is on\.\r\n")
+        self.screen.wait_for(r"\^C\r\nSleep is on\.\r\n")
         self.assert_not_held()
         self.status(130)
 

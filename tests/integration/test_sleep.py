@@ -76,6 +76,24 @@ class SleepOff(CommandCase):
         self.assertEqual(process.wait(), 130)
         self.assertNotIn("Sleep is on.", process.lines)
 
+    def test_letting_go_does_not_wait_for_a_helper_that_hangs(self):
+        process = self.start_off()
+        self.helper.signal(signal.SIGSTOP)
+        process.signal(signal.SIGINT)
+        self.assertEqual(process.wait(), 130)
+        self.assertEqual(process.lines[-1], "brindle: let go without an answer: the helper has not answered")
+        self.helper.signal(signal.SIGCONT)
+        self.system.wait_lock(False)
+
+    def test_a_second_signal_does_not_wait_at_all(self):
+        process = self.start_off()
+        self.helper.signal(signal.SIGSTOP)
+        process.signal(signal.SIGINT)
+        process.signal(signal.SIGTERM)
+        self.assertEqual(process.wait(), 128 + signal.SIGTERM)
+        self.helper.signal(signal.SIGCONT)
+        self.system.wait_lock(False)
+
     def test_a_second_holder_learns_that_it_shares(self):
         self.start_off()
         second = self.start("sleep", "off")
@@ -178,7 +196,7 @@ class NoHelper(CommandCase):
                 self.assert_one_line(self.brindle("sleep", *words), 2, NO_HELPER)
 
     def test_no_bus_at_all_is_one_line_too(self):
-        env = {**self.env, "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent"}
+        env = {**self.env, "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.system.folder}/no-bus"}
         for words in (["off"], ["on"], ["status"]):
             with self.subTest(words=words):
                 self.assert_one_line(self.brindle("sleep", *words, env=env), 2,

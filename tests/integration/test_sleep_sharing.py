@@ -24,6 +24,19 @@ class Sharing(CommandCase):
         self.assert_not_held()
 
 
+class Stopped(CommandCase):
+    def test_a_holder_that_stood_still_loses_its_hold_and_takes_it_back(self):
+        process = self.start_off()
+        process.signal(signal.SIGSTOP)
+        self.system.wait_lock(False, 90 + 20)
+        self.helper.wait_line("reason heartbeatLost")
+        process.signal(signal.SIGCONT)
+        self.system.wait_lock(True)
+        process.signal(signal.SIGINT)
+        self.assertEqual(process.wait(), 130)
+        self.assert_not_held()
+
+
 class Expired(CommandCase):
     def test_an_expired_hold_ends_later_ones_until_sleep_is_switched_on(self):
         client = Client(self.system)

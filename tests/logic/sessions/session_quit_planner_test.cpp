@@ -83,6 +83,15 @@ TEST(SessionQuitPlanner, DoesNotListARecordedProcessTwiceThatIsBelowAnotherRecor
               ElementsAre(500, 800, 810));
 }
 
+TEST(SessionQuitPlanner, CountsTheFirstOfTwoCandidatesWithOnePid) {
+  QuitCandidate second = recorded({.pid = 510, .ppid = 1}, 500);
+  second.name = "second";
+  const SessionQuitPlan made =
+      planFor500({candidate({.pid = 500, .ppid = 1}), candidate({.pid = 510, .ppid = 500}), second});
+  ASSERT_THAT(pidsOf(made), ElementsAre(500, 510));
+  EXPECT_EQ(made.members[1].name, "worker");
+}
+
 TEST(SessionQuitPlanner, FollowsALoopOnce) {
   EXPECT_THAT(pidsOf(planFor500({candidate({.pid = 500, .ppid = 520}), candidate({.pid = 510, .ppid = 500}),
                                  candidate({.pid = 520, .ppid = 510})})),

@@ -1,0 +1,173 @@
+#include "cli/completion_script.h"
+
+namespace brindle {
+
+namespace {
+
+using Commands = std::span<const Command* const>;
+
+std::string joinedChoices(std::span<const std::string_view> choices) {
+  std::string text;
+  for (const std::string_view choice : choices) {
+    if (!text.empty()) text += ' ';
+    text += choice;
+  }
+  return text;
+}
+
+/// The text inside single quotes, as every one of the shells reads it.
+std::string quoted(std::string_view text, std::string_view escapedQuote) {
+  std::string result = "'";
+  for (const char character : text) {
+    if (character == '\'') {
+      result += escapedQuote;
+    } else {
+      result += character;
+    }
+  }
+  return result + "'";
+}
+
+/// Help texts stand in zsh's own small language, in which these characters mean something.
+std::string zshText(std::string_view text) {
+  std::string result;
+  for (const char character : text) {
+    if (character == '[' || character == ']' || character == ':' || character == '\\') result += '\\';
+    result += character;
+  }
+  return result;
+}
+
+std::string zshQuoted(std::string_view text) { return quoted(text, "'\\''"); }
+std::string fishQuoted(std::string_view text) { return quoted(text, "\\'"); }
+
+/// All words that may follow the command's name.
+std::string bashWords(const Command& command) {
+  std::string words;
+  for (const ArgumentSpec& argument : command.arguments) {
+    for (const std::string_view choice : argument.choices) words += std::string(choice) + " ";
+  }
+  for (const OptionSpec& option : command.options) words += std::string(option.name) + " ";
+  return words + "--help --no-color";
+}
+
+std::string bashScript(Commands commands) {
+  std::string names, values, words;
+  for (const Command* command : commands) {
+    const std::string name(command->name);
+    names += name + " ";
+    if (command->style == ArgumentStyle::raw) continue;
+    for (const OptionSpec& option : command->options) {
+      if (option.value.empty() || option.valueOptional) continue;
+      // Without choices the shell's own completion of file names takes over.
+      values +=
+          "    '" + name + " " + std::string(option.name) + "') words='" + joinedChoices(option.choices) + "' ;;\n";
+    }
+    words += "      " + name + ") words='" + bashWords(*command) + "' ;;\n";
+  }
+  return "_brindle() {\n"
+         "  local current=\"${COMP_WORDS[COMP_CWORD]}\" previous=\"${COMP_WORDS[COMP_CWORD - 1]}\"\n"
+         "  local command='' index words=''\n"
+         "  for ((index = 1; index < COMP_CWORD; index++)); do\n"
+         "    if [[ ${COMP_WORDS[index]} != -* ]]; then\n"
+         "      command=\"${COMP_WORDS[index]}\"\n"
+         "      break\n"
+         "    fi\n"
+         "  done\n"
+         "  case \"$command $previous\" in\n" +
+         values +
+         "    *) case \"$command\" in\n"
+         "      '') words='" +
+         names + "--help --no-color --version' ;;\n" + words +
+         "      esac ;;\n"
+         "  esac\n"
+         "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$current\")\n"
+         "}\n"
+         "complete -o default -F _brindle brindle\n";
+}
+
+std::string zshArgument(const ArgumentSpec& argument) {
+  const std::string place = argument.repeated ? "*" : argument.required ? "" : ":";
+  const std::string action = argument.choices.empty() ? "_default" : "(" + joinedChoices(argument.choices) + ")";
+  return zshQuoted(place + ":" + zshText(argument.name) + ":" + action);
+}
+
+std::string zshOption(const OptionSpec& option) {
+  std::string text = std::string(option.name) + "[" + zshText(option.help) + "]";
+  if (!option.value.empty()) {
+    const std::string action = option.choices.empty() ? "_default" : "(" + joinedChoices(option.choices) + ")";
+    text += (option.valueOptional ? "::" : ":") + zshText(option.value) + ":" + action;
+  }
+  return zshQuoted(text);
+}
+
+std::string zshScript(Commands commands) {
+  std::string names, cases;
+  for (const Command* command : commands) {
+    const std::string name(command->name);
+    names += "    " + zshQuoted(name + ":" + zshText(command->summary)) + "\n";
+    if (command->style == ArgumentStyle::raw) continue;
+    cases += "    " + name + ") _arguments";
+    for (const OptionSpec& option : command->options) cases += " \\\n      " + zshOption(option);
+    for (const ArgumentSpec& argument : command->arguments) cases += " \\\n      " + zshArgument(argument);
+    if (command->style == ArgumentStyle::trailingCommand) cases += " \\\n      '*::command:_normal'";
+    cases += " \\\n      '--help[shows help]' '--no-color[never uses colour]' ;;\n";
+  }
+  return "#compdef brindle\n"
+         "_brindle() {\n"
+         "  local -a commands\n"
+         "  commands=(\n" +
+         names +
+         "  )\n"
+         "  if ((CURRENT == 2)); then\n"
+         "    _describe command commands\n"
+         "    return\n"
+         "  fi\n"
+         "  shift words\n"
+         "  ((CURRENT--))\n"
+         "  case \"$words[1]\" in\n" +
+         cases +
+         "  esac\n"
+         "}\n"
+         "compdef _brindle brindle\n";
+}
+
+std::string fishScript(Commands commands) {
+  std::string script;
+  for (const Command* command : commands) {
+    script += "complete -c brindle -n __fish_use_subcommand -a " + std::string(command->name) + " -d " +
+              fishQuoted(command->summary) + "\n";
+    if (command->style == ArgumentStyle::raw) continue;
+    const std::string line = "complete -c brindle -n '__fish_seen_subcommand_from " + std::string(command->name) + "'";
+    for (const OptionSpec& option : command->options) {
+      script += line + " -l " + std::string(option.name.substr(2));
+      if (!option.value.empty() && !option.valueOptional) script += " -r";
+      if (!option.choices.empty()) script += " -f -a " + fishQuoted(joinedChoices(option.choices));
+      script += " -d " + fishQuoted(option.help) + "\n";
+    }
+    for (const ArgumentSpec& argument : command->arguments) {
+      if (argument.choices.empty()) continue;
+      script +=
+          line + " -f -a " + fishQuoted(joinedChoices(argument.choices)) + " -d " + fishQuoted(argument.help) + "\n";
+    }
+  }
+  return script + "complete -c brindle -l help -d 'shows help'\n" +
+         "complete -c brindle -l no-color -d 'never uses colour'\n" +
+         "complete -c brindle -n __fish_use_subcommand -l version -d 'shows the version'\n";
+}
+
+}  // namespace
+
+std::string completionScript(Shell shell, Commands commands) {
+  switch (shell) {
+    case Shell::bash:
+      return bashScript(commands);
+    case Shell::zsh:
+      return zshScript(commands);
+    case Shell::fish:
+      return fishScript(commands);
+  }
+  return {};
+}
+
+}  // namespace brindle
