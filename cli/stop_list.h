@@ -33,10 +33,13 @@ struct StopItem {
 
 struct StopList {
   std::vector<StopItem> items;
+  /// It comes from the idle plan, which has its own words for nothing to stop and names its ports ascending.
+  bool ofIdlePlan = false;
 
   /// How many will be stopped.
   [[nodiscard]] std::size_t stopping() const;
-  /// What that frees, as one sentence; StopSummary::kNothing when nothing will be stopped.
+  /// What that frees, as one sentence, each port once and in the order of the items; StopSummary::kNothing, or
+  /// kNothingIdle, when nothing will be stopped.
   [[nodiscard]] std::string summary() const;
 
   bool operator==(const StopList&) const = default;
@@ -46,8 +49,8 @@ struct StopList {
 inline constexpr std::string_view kOwnChainReason = "Runs this command";
 
 /// The tree below `root` with the processes tied to it, root first. When the root is to be left alone, so is all the
-/// rest, and only the root is listed. `ownChain` holds the command's own pid and its ancestors'. An agent's session is spared its own protection
-/// only by `asSession`. Empty when there is no such process.
+/// rest, and only the root is listed. `ownChain` holds the command's own pid and its ancestors'. An agent's session is
+/// spared its own protection only by `asSession`. Empty when there is no such process.
 struct TreeQuestion {
   std::int32_t root = 0;
   bool asSession = false;

@@ -13,7 +13,7 @@ find_package(Threads REQUIRED)
 
 add_library(fmt_header_only INTERFACE)
 target_compile_definitions(fmt_header_only INTERFACE FMT_HEADER_ONLY=1)
-add_library(fmt::fmt ALIAS fmt_header_only)
+add_library(fmt::fmt-header-only ALIAS fmt_header_only)
 
 add_library(tomlplusplus_header_only INTERFACE)
 target_compile_definitions(tomlplusplus_header_only INTERFACE TOML_HEADER_ONLY=1)

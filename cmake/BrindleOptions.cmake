@@ -6,6 +6,11 @@ option(BRINDLE_WERROR "Warnings are errors" OFF)
 option(BRINDLE_LIBCXX "Build with libc++ where the compiler offers a choice" OFF)
 set(BRINDLE_SANITIZE "" CACHE STRING "Value of -fsanitize=, empty for none")
 
+# polkit reads actions from /usr/share alone, so a helper installed below /usr/local would refuse everybody but root.
+if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  set(CMAKE_INSTALL_PREFIX "/usr" CACHE PATH "Where the programs and the helper's files are installed" FORCE)
+endif()
+
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)

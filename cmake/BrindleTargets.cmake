@@ -42,3 +42,12 @@ function(brindle_harden target)
     target_link_options(${target} PRIVATE -pie -Wl,-z,relro,-z,now -Wl,--as-needed -Wl,--gc-sections)
   endif()
 endfunction()
+
+# brindle_link_cxx_statically(TARGET): for the daemon, which mostly waits, and has 304 kB of its own instead of 380 kB
+# without the shared C++ library; and for the command, which agents start at each of their turns, and whose start takes
+# 1.6 ms of processor time instead of 2.7 (perf stat -r 200 brindle --version).
+function(brindle_link_cxx_statically target)
+  if(NOT BRINDLE_SANITIZE AND NOT BRINDLE_LIBCXX AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc)
+  endif()
+endfunction()

@@ -26,6 +26,11 @@ std::vector<ProcessForest::Link> linksOf(std::span<const ProcessFacts> processes
   return links;
 }
 
+bool namesShellSnapshot(const ProcessFacts& facts) {
+  return std::ranges::any_of(
+      facts.arguments, [](const std::string& argument) { return argument.find(kShellSnapshot) != std::string::npos; });
+}
+
 struct Verdict {
   OriginTie tie;
   OriginEvidence evidence;
@@ -71,7 +76,11 @@ class Judge {
     std::vector<std::uint32_t> seen(processes_.size(), 0);
     std::vector<Index> below = roots;
     for (const Index root : roots) forest_.appendDescendants(root, 1, seen, below);
-    for (const Index index : below) collectSessions(processes_[index]);
+    hangsBelowAgent_.assign(processes_.size(), false);
+    for (const Index index : below) {
+      hangsBelowAgent_[index] = true;
+      collectSessions(processes_[index]);
+    }
   }
 
   void collectSessions(const ProcessFacts& facts) {
@@ -89,7 +98,8 @@ class Judge {
   }
 
   bool isAdoptedRoot(Index index) const {
-    if (!mayBeJudged(index)) return false;
+    // An agent may itself have started a program that looks like a system's manager, as in a container.
+    if (!mayBeJudged(index) || hangsBelowAgent_[index]) return false;
     // What launchd itself started has never had another parent.
     if (processes_[index].adopted == false) return false;
     const auto parent = forest_.parentOf(index);
@@ -154,10 +164,7 @@ class Judge {
       }
     }
     if (!kinds.empty()) return std::nullopt;
-    const bool snapshot = std::ranges::any_of(facts.arguments, [](const std::string& argument) {
-      return argument.find(kShellSnapshot) != std::string::npos;
-    });
-    return snapshot ? std::optional(likely(AgentKind::claudeCode)) : std::nullopt;
+    return namesShellSnapshot(facts) ? std::optional(likely(AgentKind::claudeCode)) : std::nullopt;
   }
 
   std::int32_t outermostAgent(Index agent) const {
@@ -189,6 +196,7 @@ class Judge {
   std::span<const ProcessFacts> processes_;
   ProcessForest forest_;
   std::vector<std::optional<AgentKind>> kinds_;
+  std::vector<bool> hangsBelowAgent_;
   std::map<std::pair<AgentKind, std::uint32_t>, std::int64_t> oldest_;
   std::set<std::pair<AgentKind, std::string_view>> sessions_;
   std::map<std::pair<std::int32_t, std::int64_t>, const OwnershipRecord*> records_;
@@ -197,6 +205,10 @@ class Judge {
 }  // namespace
 
 std::vector<ProcessOrigin> findOrigins(const OriginQuestion& question) { return Judge(question).judge(); }
+
+bool showsTrace(const ProcessFacts& facts) {
+  return namesShellSnapshot(facts) || !agentsNamedByVariables(facts).empty();
+}
 
 std::string originText(const ProcessOrigin& origin) {
   std::string text = origin.agent;

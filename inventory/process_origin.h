@@ -79,6 +79,10 @@ struct OriginQuestion {
 /// design (livesOnByDesign) with everything below them.
 [[nodiscard]] std::vector<ProcessOrigin> findOrigins(const OriginQuestion& question);
 
+/// Whether the process itself shows a trace of an agent, in a variable or an argument. Without one and without a record
+/// nothing ties it to an agent, so a source need not read more of it.
+[[nodiscard]] bool showsTrace(const ProcessFacts& facts);
+
 /// "Claude Code (exited), by its environment"; "Claude Code (perhaps exited), by its session"; "Claude Code, by …" for
 /// an owned process.
 [[nodiscard]] std::string originText(const ProcessOrigin& origin);

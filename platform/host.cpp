@@ -44,11 +44,10 @@ void sampleCpu(const Environment& environment, const std::string& boot, std::vec
   if (ensureFolder(*folder)) (void)replaceFile(path, cpuSampleText(now)).has_value();
 }
 
-Outcome sampleTwice(const HostQuestion& question, std::uint32_t user, const std::string& boot,
-                    ProcessListing& listing) {
+Outcome sampleTwice(const ListingQuestion& question, Seconds wait, const std::string& boot, ProcessListing& listing) {
   const CpuSample before = cpuSampleOf(listing.processes, boot, bootClockNow());
-  std::this_thread::sleep_for(*question.sampleFor);
-  auto again = listProcesses(user, question.detail);
+  std::this_thread::sleep_for(wait);
+  auto again = listProcesses(question);
   if (!again) return tl::make_unexpected(again.error());
   listing = std::move(*again);
   applyCpuSamples(before, cpuSampleOf(listing.processes, boot, bootClockNow()), listing.processes);
@@ -71,17 +70,19 @@ ProtectionRules protectionRulesOf(const Environment& environment) {
 Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuestion& question) {
   const std::uint32_t user = ::geteuid();
   const std::string boot = bootId();
-  auto listing = listProcesses(user, question.detail);
+  std::vector<OwnershipRecord> records;
+  if (const auto folder = stateFolder(environment)) records = OwnershipStore(*folder).records(boot);
+  ListingQuestion listingQuestion{.currentUser = user, .detail = question.detail};
+  for (const OwnershipRecord& record : records) listingQuestion.recorded.insert({record.pid, record.startTime});
+  auto listing = listProcesses(listingQuestion);
   if (!listing) return tl::make_unexpected(listing.error());
   if (question.sampleFor) {
-    if (auto sampled = sampleTwice(question, user, boot, *listing); !sampled) {
+    if (auto sampled = sampleTwice(listingQuestion, *question.sampleFor, boot, *listing); !sampled) {
       return tl::make_unexpected(sampled.error());
     }
   } else if (question.detail != ListingDetail::listeners) {
     sampleCpu(environment, boot, listing->processes);
   }
-  std::vector<OwnershipRecord> records;
-  if (const auto folder = stateFolder(environment)) records = OwnershipStore(*folder).records(boot);
   ProjectFinder projects(homeFolder(environment).value_or(""), manifestText);
   const ProtectionRules protections = protectionRulesOf(environment);
   const SnapshotContext context{wallClockNow(), user, hostRules(), protections};
@@ -108,16 +109,20 @@ Outcome rememberChildren(const Environment& environment, const ProcessFacts& age
   const auto folder = stateFolder(environment);
   if (!folder) return {};
   const std::string boot = bootId();
+  // Between agent and hook there are only a shell and this process itself, which end with the hook.
+  std::set<std::int32_t> passing;
+  for (const ProcessFacts& each : processChain(static_cast<std::int32_t>(::getpid()))) passing.insert(each.pid);
   std::vector<OwnershipRecord> records;
   for (const ProcessFacts& child : processesBelow(agent.pid)) {
+    if (passing.contains(child.pid)) continue;
     records.push_back({boot, child.pid, child.startTime, agent.pid, agent.startTime, agentName});
   }
   const OwnershipStore store(*folder);
-  auto added = store.add(records);
-  if (added || added.error().code != EFBIG) return added;
+  // Without a watching application nobody else cleans the file, and every hook reads all of it.
   const auto isAlive = [](std::int32_t pid, std::int64_t start) { return startStampOf(pid) == start; };
-  if (auto cleaned = store.clean(boot, isAlive); !cleaned) return cleaned;
-  return store.add(records);
+  auto cleaned = store.clean(boot, isAlive);
+  auto added = store.add(records);
+  return added ? cleaned : added;
 }
 
 }  // namespace brindle

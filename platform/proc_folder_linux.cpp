@@ -3,13 +3,16 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <cstddef>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 
 #include "inventory/proc_text.h"
@@ -58,17 +61,46 @@ std::vector<std::int32_t> numbersIn(int root, const char* name, std::size_t limi
   return found;
 }
 
-/// Reads up to `room` bytes; none when reading fails.
+/// Reads up to `room` bytes; none when reading fails. What the kernel makes up for one process comes whole in one call,
+/// so one that does not fill the room is the last: another would double the cost of a small file.
 std::optional<std::size_t> readUpTo(int file, char* into, std::size_t room) {
-  std::size_t length = 0;
-  while (length < room) {
-    const ssize_t count = ::read(file, into + length, room - length);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return std::nullopt;
-    if (count == 0) break;
-    length += static_cast<std::size_t>(count);
+  for (;;) {
+    const ssize_t count = ::read(file, into, room);
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) return std::nullopt;
   }
-  return length;
+}
+
+/// One entry of a folder as the kernel writes it.
+struct RawEntry {
+  std::uint64_t inode;
+  std::int64_t next;
+  unsigned short length;
+  unsigned char type;
+};
+constexpr std::size_t kRawNameOffset = 19;
+/// No entry of /proc/PID/fd is longer; where more room than that is left, the kernel had no more to tell.
+constexpr std::size_t kLongestRawEntry = 280;
+
+/// Calls `take` with each name in the folder until it answers false; false when the folder cannot be read. By hand,
+/// because readdir(3) asks the kernel four more questions a folder, and there is a folder for each process.
+template <typename Take>
+bool eachName(const Descriptor& folder, Take&& take) {
+  alignas(RawEntry) std::array<char, 8192> bytes;
+  for (;;) {
+    const long length = ::syscall(SYS_getdents64, folder.get(), bytes.data(), bytes.size());
+    if (length < 0) return false;
+    const auto filled = static_cast<std::size_t>(length);
+    for (std::size_t at = 0; at + kRawNameOffset < filled;) {
+      unsigned short entryLength = 0;
+      std::memcpy(&entryLength, bytes.data() + at + offsetof(RawEntry, length), sizeof entryLength);
+      if (entryLength <= kRawNameOffset || at + entryLength > filled) return false;
+      const char* name = bytes.data() + at + kRawNameOffset;
+      if (!take(name)) return true;
+      at += entryLength;
+    }
+    if (filled + kLongestRawEntry <= bytes.size()) return true;
+  }
 }
 
 }  // namespace
@@ -76,6 +108,12 @@ std::optional<std::size_t> readUpTo(int file, char* into, std::size_t room) {
 Result<ProcFolder> ProcFolder::open(const std::string& root) {
   Descriptor folder(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!folder) return fail(errno, "open " + root);
+  return ProcFolder(std::move(folder));
+}
+
+Result<ProcFolder> ProcFolder::again() const {
+  Descriptor folder(::fcntl(root_.get(), F_DUPFD_CLOEXEC, 0));
+  if (!folder) return fail(errno, "open /proc again");
   return ProcFolder(std::move(folder));
 }
 
@@ -121,19 +159,20 @@ std::vector<std::int32_t> ProcFolder::childrenOf(std::int32_t pid, std::size_t t
 }
 
 std::optional<std::vector<std::uint64_t>> ProcFolder::sockets(std::int32_t pid, std::size_t limit) const {
-  const Folder folder = openFolder(root_.get(), nameOf(pid, "fd").data());
+  const Descriptor folder(::openat(root_.get(), nameOf(pid, "fd").data(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!folder) return std::nullopt;
   std::vector<std::uint64_t> inodes;
   std::size_t looked = 0;
-  while (const dirent* entry = ::readdir(folder.get())) {
-    if (entry->d_name[0] == '.') continue;
-    if (looked++ == limit) break;
-    std::array<char, 64> target{};
-    const ssize_t length = ::readlinkat(::dirfd(folder.get()), entry->d_name, target.data(), target.size());
-    if (length <= 0) continue;
+  const bool read = eachName(folder, [&](const char* name) {
+    if (name[0] == '.') return true;
+    if (looked++ == limit) return false;
+    std::array<char, 64> target;
+    const ssize_t length = ::readlinkat(folder.get(), name, target.data(), target.size());
+    if (length <= 0) return true;
     if (const auto inode = parseSocketLink({target.data(), static_cast<std::size_t>(length)})) inodes.push_back(*inode);
-  }
-  return inodes;
+    return true;
+  });
+  return read ? std::optional(std::move(inodes)) : std::nullopt;
 }
 
 }  // namespace brindle

@@ -21,6 +21,8 @@ class ProcFolder {
  public:
   /// Fails with errno when the folder cannot be opened.
   [[nodiscard]] static Result<ProcFolder> open(const std::string& root = "/proc");
+  /// The same folder with a buffer of its own, for another thread.
+  [[nodiscard]] Result<ProcFolder> again() const;
 
   /// The numeric entries, ascending, at most `limit`.
   [[nodiscard]] std::vector<std::int32_t> pids(std::size_t limit) const;

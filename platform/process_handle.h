@@ -34,7 +34,8 @@ class ProcessHandle {
 
  private:
   ProcessHandle(Descriptor handle, std::int32_t pid) : handle_(std::move(handle)), pid_(pid) {}
-  Descriptor handle_;
+  /// Closed once the end was seen, where the system tells of it only once.
+  mutable Descriptor handle_;
   std::int32_t pid_ = 0;
 };
 

@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/result.h"
@@ -23,10 +24,11 @@ inline constexpr std::size_t kProcessLimit = 65536;
 enum class ListingDetail {
   /// Everything of every process of the current user, and the listeners of all.
   everything,
-  /// Everything of processes that listen and their ancestors; for the others pid, parent, user, name and start.
+  /// Programs and folders of processes that listen, and their ancestors' programs; for the others pid, parent, user,
+  /// name and start. No memory.
   listeners,
-  /// Everything of agents, what is below them, and what has been adopted by the system; for the others what is needed
-  /// to recognise an agent.
+  /// Everything of agents, what is below them, and what has been adopted by the system and shows a trace of one; for
+  /// the others what is needed to recognise an agent.
   agents,
 };
 
@@ -38,8 +40,15 @@ struct ProcessListing {
   int unownedListeners = 0;
 };
 
-/// Fails with errno when the process table cannot be opened.
-[[nodiscard]] Result<ProcessListing> listProcesses(std::uint32_t currentUser, ListingDetail detail);
+struct ListingQuestion {
+  std::uint32_t currentUser = 0;
+  ListingDetail detail = ListingDetail::everything;
+  /// Pids and start stamps of processes that records tie to an agent; they are of interest like agents.
+  std::set<std::pair<std::int32_t, std::int64_t>> recorded = {};
+};
+
+/// Fails with errno when the process table cannot be opened. May use a second thread for its length.
+[[nodiscard]] Result<ProcessListing> listProcesses(const ListingQuestion& question);
 
 /// A process, its parent, its parent's parent and so on, at most 64, with names, paths, arguments and start stamps
 /// only. Empty when there is no such process.

@@ -1,32 +1,12 @@
 #include "logic/mcp/mcp_config_snippet.h"
 
-#include <algorithm>
-
 #include "base/json_value.h"
 #include "base/json_writer.h"
 #include "base/text.h"
+#include "logic/mcp/shell_word.h"
 
 namespace brindle {
 namespace {
-
-bool needsNoQuoting(char byte) {
-  constexpr std::string_view kMarks = "/._-+:%@";
-  return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
-         kMarks.find(byte) != std::string_view::npos;
-}
-
-std::string shellWord(std::string_view text) {
-  if (!text.empty() && std::all_of(text.begin(), text.end(), needsNoQuoting)) return std::string(text);
-  std::string word = "'";
-  for (const char byte : text) {
-    if (byte == '\'') {
-      word += R"('\'')";
-    } else {
-      word.push_back(byte);
-    }
-  }
-  return word + "'";
-}
 
 std::string jsonText(std::string_view path) {
   if (!isValidUtf8(path)) return std::string(MCPConfigSnippet::kNoJson);

@@ -80,5 +80,16 @@ TEST(HoldText, TellsAPauseFromALoss) {
   EXPECT_EQ(interruptionText({.phase = HoldPhase::paused}), "sleep is on for now");
 }
 
+TEST(BatteryFloor, TakesAPercentageFromFiveToNinety) {
+  const auto percent = [](std::string text) { return batteryFloorOf(text).percent; };
+  EXPECT_EQ(batteryFloorOf(std::nullopt), (BatteryFloor{.percent = 20}));
+  EXPECT_EQ(percent("5"), 5);
+  EXPECT_EQ(percent("90"), 90);
+  EXPECT_EQ(percent("35%"), 35);
+  for (const char* text : {"4", "91", "-5", "x", "", "%", "20%%", "20.5"}) {
+    EXPECT_NE(batteryFloorOf(std::string(text)).problem, "") << text;
+  }
+}
+
 }  // namespace
 }  // namespace brindle

@@ -173,6 +173,13 @@ TEST(ProcessOrigin, AnOrphanWhoseParentIsNotListedIsJudged) {
   EXPECT_EQ(Host().server(500, 77, 100, kClaude).origins().size(), 1U);
 }
 
+TEST(ProcessOrigin, WhatHangsBelowAnAgentThroughAnotherManagerIsNotJudged) {
+  Host host;
+  host.agent(400, 50);
+  host.processes.push_back({.pid = 410, .ppid = 400, .uid = kUser, .name = "tini", .arguments = {"tini"}});
+  EXPECT_TRUE(host.server(500, 410, 100, {{"CLAUDE_PID", "399"}}).origins().empty());
+}
+
 TEST(ProcessOrigin, AProcessBelowAShellIsNotJudged) {
   Host host;
   host.processes.push_back({.pid = 300, .ppid = 900, .uid = kUser, .name = "bash", .arguments = {"-bash"}});
@@ -224,6 +231,12 @@ TEST(ProcessOrigin, LoopsAndRepeatedPidsDoNotHang) {
   host.server(500, 501, 100, kClaude).server(501, 500, 100, kClaude).server(502, 502, 100, kClaude).server(502, 1, 100);
   EXPECT_EQ(host.origins().size(), 1U);
   EXPECT_TRUE(findOrigins({{}, {}, kUser, SystemProcessRules::forLinux()}).empty());
+}
+
+TEST(ProcessOrigin, ATraceIsAVariableOrAShellSnapshot) {
+  EXPECT_TRUE(showsTrace({.variables = kClaude}));
+  EXPECT_TRUE(showsTrace({.arguments = {"zsh", "-c", "source /h/.claude/shell-snapshots/snapshot-zsh-1.sh"}}));
+  EXPECT_FALSE(showsTrace({.arguments = {"vim", ".claude/settings.json"}, .variables = {{"AGENT", "1"}}}));
 }
 
 TEST(ProcessOrigin, TextsRoundTrip) {

@@ -73,7 +73,7 @@ const ProcessFacts* find(const ProcessListing& listing, std::int32_t pid) {
 
 TEST(ProcessSource, SeesThisProcessWithEverything) {
   const Listener listener;
-  const auto listing = listProcesses(::geteuid(), ListingDetail::everything);
+  const auto listing = listProcesses({::geteuid(), ListingDetail::everything});
   ASSERT_TRUE(listing);
   const ProcessFacts* self = find(*listing, ::getpid());
   ASSERT_NE(self, nullptr);
@@ -91,7 +91,7 @@ TEST(ProcessSource, SeesThisProcessWithEverything) {
 TEST(ProcessSource, ASocketSharedWithAChildBelongsToTheParent) {
   const Listener listener;
   const Child child;
-  const auto listing = listProcesses(::geteuid(), ListingDetail::listeners);
+  const auto listing = listProcesses({::geteuid(), ListingDetail::listeners});
   ASSERT_TRUE(listing);
   const ProcessFacts* self = find(*listing, ::getpid());
   const ProcessFacts* other = find(*listing, child.pid());
@@ -134,7 +134,7 @@ TEST(ProcessSource, ProcessesThatEndedAreNotListed) {
   siginfo_t ended = {};
   ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child.pid()), &ended, WEXITED | WNOWAIT), 0);
   EXPECT_EQ(startStampOf(child.pid()), std::nullopt);
-  EXPECT_EQ(find(*listProcesses(::geteuid(), ListingDetail::agents), child.pid()), nullptr);
+  EXPECT_EQ(find(*listProcesses({::geteuid(), ListingDetail::agents}), child.pid()), nullptr);
 }
 
 TEST(ProcessSource, TheBootHasAnId) { EXPECT_EQ(bootId().size(), 36U); }

@@ -1,0 +1,7 @@
+#include "platform/host.h"
+
+namespace brindle {
+
+const SystemProcessRules& hostRules() { return SystemProcessRules::forMacOS(); }
+
+}  // namespace brindle
