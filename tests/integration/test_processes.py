@@ -50,6 +50,18 @@ class Sessions(ProcessCase):
         self.assertEqual(self.listener(port)["project"], "shop")
 
 
+class Watching(ProcessCase):
+    def test_watching_repeats_the_document_and_ends_quietly_when_its_reader_goes(self):
+        with subprocess.Popen([BRINDLE, "status", "--json", "--watch", "0.2"], env=self.environment,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True) as watcher:
+            ends = 0
+            while ends < 2:
+                ends += watcher.stdout.readline() == "}\n"
+            watcher.stdout.close()
+            self.assertEqual(watcher.wait(timeout=20), 0)
+            self.assertEqual(watcher.stderr.read(), "")
+
+
 class LeftBehind(ProcessCase):
     def killed_agent_with_server(self, variables, name="claude"):
         port = free_port()
