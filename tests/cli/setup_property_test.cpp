@@ -5,6 +5,7 @@
 #include "base/json_reader.h"
 #include "base/json_writer.h"
 #include "cli/setup_claude_hooks.h"
+#include "cli/setup_codex_config.h"
 #include "cli/setup_file.h"
 #include "cli/setup_json_text.h"
 #include "cli/setup_mcp_json.h"
@@ -143,6 +144,26 @@ RC_GTEST_PROP(SetupProperty, ServersOfOthersStayAsTheyAre, ()) {
   RC_ASSERT(jsonServerState(added.text, kProgram) == ServerState::same);
   const EditedText removed = withoutJsonServer({.text = added.text, .before = original}, kProgram);
   RC_ASSERT(parseJson(removed.text) == parseJson(original));
+}
+
+RC_GTEST_PROP(SetupProperty, UndoGivesAnyConfigurationOfCodexBackByteForByte, ()) {
+  const std::string lineEnd = *rc::gen::element<std::string>("\n", "\r\n");
+  std::string original = *rc::gen::element<std::string>("", "\xEF\xBB\xBF");
+  const int count = *rc::gen::inRange(0, 8);
+  for (int line = 0; line < count; ++line) {
+    const std::string key = "k" + std::to_string(line);
+    original += *rc::gen::element<std::string>("", "# >>> mine", key + " = 1", key + " = \"x\" # c", "[" + key + "]",
+                                               "[mcp_servers." + key + "]", "\t" + key + " = {}",
+                                               key + " = [1," + lineEnd + " 2]");
+    original += lineEnd;
+  }
+  if (*rc::gen::arbitrary<bool>() && original.ends_with(lineEnd)) original.resize(original.size() - lineEnd.size());
+  const CodexParts parts{.program = kProgram, .server = *rc::gen::arbitrary<bool>()};
+  const EditedText added = withCodexParts(original, parts);
+  RC_PRE(added.problem.empty());
+  RC_ASSERT(added.text != original);
+  RC_ASSERT(withCodexParts(added.text, parts) == added);
+  RC_ASSERT(withoutCodexParts(added.text, parts).text == original);
 }
 
 }  // namespace
