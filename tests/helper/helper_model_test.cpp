@@ -212,7 +212,7 @@ TEST(HelperModel, LivesAsTheRulesSay) {
   EXPECT_TRUE(held);
   EXPECT_GE(lives, 10'000);
   EXPECT_GT(holds, 10'000) << "the lives must be full of holds";
-  EXPECT_GT(reverts, 1'000) << "and of limits that are met";
+  EXPECT_GT(reverts, 500) << "and of limits that are met";
 }
 
 TEST(HelperModel, SilenceOfMoreThanNinetySecondsAlwaysEndsAtTheNextTick) {
