@@ -87,9 +87,11 @@ class Patience {
 }  // namespace
 
 HookProcesses hookProcesses() {
-  return {.chainOf = [](std::int32_t pid) { return processChain(pid); },
-          .parent = static_cast<std::int32_t>(::getppid()),
-          .user = ::geteuid()};
+  // A process that has ended and waits for its parent has no start stamp any more.
+  return {
+      .chainOf = [](std::int32_t pid) { return startStampOf(pid) ? processChain(pid) : std::vector<ProcessFacts>{}; },
+      .parent = static_cast<std::int32_t>(::getppid()),
+      .user = ::geteuid()};
 }
 
 std::optional<ReportingAgent> reportingAgent(HookOrigin origin, const Environment& environment,

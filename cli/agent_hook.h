@@ -29,7 +29,7 @@ enum class HookOrigin { claudeHook, codexNotify };
 
 /// What the hook commands ask about processes.
 struct HookProcesses {
-  /// A process, its parent and so on, as processChain answers it.
+  /// A live process, its parent and so on, as processChain answers it; empty when there is none.
   std::function<std::vector<ProcessFacts>(std::int32_t pid)> chainOf;
   /// The process that started this one.
   std::int32_t parent = 0;

@@ -16,8 +16,8 @@ struct CodexParts {
   bool server = true;
 };
 
-/// `config` with our parts, put right where they name another place of our program. A notify command or a server of
-/// somebody else is left alone. Refused when the text is not valid TOML, or would not be any more.
+/// `config` with our parts, put right where our lines name another place of our program. A notify command or a server
+/// of somebody else is left alone. Refused when the text is not valid TOML, or would not be any more.
 [[nodiscard]] EditedText withCodexParts(std::string_view config, const CodexParts& parts);
 
 /// `config` without the lines between our markers. What is ours but stands outside of them is left and named.

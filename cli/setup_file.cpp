@@ -112,7 +112,10 @@ SettingsChange plannedRemoval(const SettingsEdit& edit) {
   change.problem = std::move(edited.problem);
   change.declined = std::move(edited.declined);
   if (!change.problem.empty() || edited.text == *change.before) return change;
-  change.after = std::move(edited.text);
+  // Without a copy the file was not there before.
+  const bool wasMissing = !backup && edited.text == edit.fresh;
+  change.after.reset();
+  if (!wasMissing) change.after = std::move(edited.text);
   if (const auto origin = originOf(edit, *change.before, backup)) change.after = origin->text;
   change.restores = change.after == backup;
   return change;

@@ -136,6 +136,13 @@ std::string spliced(std::string_view json, const Splice& splice) {
   return std::string(json.substr(0, splice.begin)) + splice.text + std::string(json.substr(splice.end));
 }
 
+/// The layout for what is added to the container: one that stands on one line stays there.
+Layout layoutIn(std::string_view json, const JsonPlace& container) {
+  const std::string_view text = json.substr(container.begin, container.end - container.begin);
+  if (!container.children.empty() && text.find('\n') == std::string_view::npos) return {};
+  return layoutOf(json);
+}
+
 std::string withChild(std::string_view json, const JsonPlace& container, const Layout& layout,
                       const std::string& child) {
   const std::string line = layout.lineAt(container.depth + 1);
@@ -167,14 +174,14 @@ std::string stringAt(std::string_view json, const JsonPlace& place) {
 }
 
 std::string withMember(std::string_view json, const JsonPlace& object, const JsonMember& member) {
-  const Layout layout = layoutOf(json);
+  const Layout layout = layoutIn(json, object);
   const std::string colon = layout.lineEnd.empty() ? ":" : ": ";
   return withChild(json, object, layout,
                    writeJsonString(member.key, kPlain) + colon + laidOut(member.value, layout, object.depth + 1));
 }
 
 std::string withElement(std::string_view json, const JsonPlace& array, const JsonValue& element) {
-  const Layout layout = layoutOf(json);
+  const Layout layout = layoutIn(json, array);
   return withChild(json, array, layout, laidOut(element, layout, array.depth + 1));
 }
 

@@ -15,17 +15,6 @@ namespace {
 constexpr Seconds kQuestionTimeout{120};
 constexpr std::uint32_t kMayAskUser = 1;
 
-bool isTrustedUser(sd_bus_message* call) {
-  sd_bus_creds* found = nullptr;
-  if (sd_bus_query_sender_creds(call, SD_BUS_CREDS_EUID, &found) < 0) return false;
-  const BusCredentials credentials(found);
-  // Augmented values were read from /proc afterwards, when the process may have become another one.
-  if ((sd_bus_creds_get_augmented_mask(found) & SD_BUS_CREDS_EUID) != 0) return false;
-  uid_t user = 0;
-  if (sd_bus_creds_get_euid(found, &user) < 0) return false;
-  return user == 0 || user == geteuid();
-}
-
 bool isAuthorised(sd_bus_message* reply) {
   if (sd_bus_message_get_error(reply) != nullptr) return false;
   int authorised = 0, challenge = 0;
@@ -36,8 +25,19 @@ bool isAuthorised(sd_bus_message* reply) {
 
 }  // namespace
 
+bool Admission::trusts(sd_bus_message* call) {
+  sd_bus_creds* found = nullptr;
+  if (sd_bus_query_sender_creds(call, SD_BUS_CREDS_EUID, &found) < 0) return false;
+  const BusCredentials credentials(found);
+  // Augmented values were read from /proc afterwards, when the process may have become another one.
+  if ((sd_bus_creds_get_augmented_mask(found) & SD_BUS_CREDS_EUID) != 0) return false;
+  uid_t user = 0;
+  if (sd_bus_creds_get_euid(found, &user) < 0) return false;
+  return user == 0 || user == geteuid();
+}
+
 BusWatch Admission::ask(sd_bus_message* call, Answer answer) const {
-  if (isTrustedUser(call)) {
+  if (trusts(call)) {
     answer(true);
     return {};
   }

@@ -16,6 +16,9 @@ class Admission {
  public:
   explicit Admission(const BusConnection& bus) : bus_(bus) {}
 
+  /// Whether the sender's user decides alone, so that ask() would say yes at once.
+  [[nodiscard]] static bool trusts(sd_bus_message* call);
+
   using Answer = std::function<void(bool admitted)>;
   /// Calls `answer` once: before returning where the sender's user decides, later where polkit does, never when the
   /// returned watch goes first. Without polkit, or when it fails or stays silent, the answer is no. polkit may ask

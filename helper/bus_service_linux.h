@@ -27,7 +27,8 @@ namespace brindle {
 /// Clients that are known at once. Watching one takes a match rule, of which a system bus gives each connection 512 by
 /// default; one too many would cost the helper its own connection, and every client the hold.
 inline constexpr std::size_t kMaxBusClients = 384;
-/// Clients that are not admitted yet, so that strangers whom polkit has still to judge leave room for others.
+/// Clients that are not admitted yet, so that strangers whom polkit has still to judge leave room for others. Root and
+/// the helper's own user, who are admitted at once, are not held up by it.
 inline constexpr std::size_t kMaxUnadmittedClients = 64;
 /// Calls of one client that wait for its admission.
 inline constexpr std::size_t kMaxWaitingCalls = 16;

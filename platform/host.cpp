@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <map>
 #include <set>
 #include <system_error>
 #include <thread>
@@ -109,11 +110,17 @@ Outcome rememberChildren(const Environment& environment, const ProcessFacts& age
   const auto folder = stateFolder(environment);
   if (!folder) return {};
   const std::string boot = bootId();
+  const std::vector<ProcessFacts> below = processesBelow(agent.pid);
+  std::map<std::int32_t, std::int32_t> parents;
+  for (const ProcessFacts& each : below) parents.emplace(each.pid, each.ppid);
   // Between agent and hook there are only a shell and this process itself, which end with the hook.
   std::set<std::int32_t> passing;
-  for (const ProcessFacts& each : processChain(static_cast<std::int32_t>(::getpid()))) passing.insert(each.pid);
+  for (auto each = parents.find(static_cast<std::int32_t>(::getpid())); each != parents.end();
+       each = parents.find(each->second)) {
+    if (!passing.insert(each->first).second) break;
+  }
   std::vector<OwnershipRecord> records;
-  for (const ProcessFacts& child : processesBelow(agent.pid)) {
+  for (const ProcessFacts& child : below) {
     if (passing.contains(child.pid)) continue;
     records.push_back({boot, child.pid, child.startTime, agent.pid, agent.startTime, agentName});
   }

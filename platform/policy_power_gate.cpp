@@ -36,14 +36,14 @@ std::optional<PowerVerdict> PowerJudge::judge(const PowerReading& reading) {
   return verdict;
 }
 
-PolicyPowerGate::PolicyPowerGate(EventLoop& loop, std::int64_t batteryFloor, Read read)
-    : loop_(loop), judge_(batteryFloor), read_(std::move(read)) {}
+PolicyPowerGate::PolicyPowerGate(EventLoop& loop, std::int64_t batteryFloor, Read read, Seconds interval)
+    : loop_(loop), judge_(batteryFloor), read_(std::move(read)), interval_(interval) {}
 
 void PolicyPowerGate::watch(std::function<void(const PowerVerdict&)> changed) {
   changed_ = std::move(changed);
   check();
   // Without a timer the first verdict stands; the helper's own limit on the duration still ends the hold.
-  if (auto timer = loop_.every(kPowerCheckInterval, [this] { check(); })) timer_.emplace(std::move(*timer));
+  if (auto timer = loop_.every(interval_, [this] { check(); })) timer_.emplace(std::move(*timer));
 }
 
 void PolicyPowerGate::check() {

@@ -36,8 +36,8 @@ class PowerJudge {
 class PolicyPowerGate : public PowerGate {
  public:
   using Read = std::function<PowerReading()>;
-  /// The loop outlives the gate.
-  PolicyPowerGate(EventLoop& loop, std::int64_t batteryFloor, Read read);
+  /// The loop outlives the gate. `interval` is another one only in tests.
+  PolicyPowerGate(EventLoop& loop, std::int64_t batteryFloor, Read read, Seconds interval = kPowerCheckInterval);
 
   void watch(std::function<void(const PowerVerdict&)> changed) override;
 
@@ -47,6 +47,7 @@ class PolicyPowerGate : public PowerGate {
   EventLoop& loop_;
   PowerJudge judge_;
   Read read_;
+  Seconds interval_;
   std::function<void(const PowerVerdict&)> changed_;
   std::optional<EventSource> timer_;
 };

@@ -2,17 +2,15 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <numeric>
 #include <optional>
-#include <thread>
-#include <unordered_map>
-#include <unordered_set>
 
 #include "inventory/agent_recognition.h"
 #include "inventory/proc_text.h"
 #include "inventory/process_origin.h"
 #include "inventory/program_recognition.h"
+#include "inventory/socket_owners.h"
 #include "logic/sessions/process_forest.h"
+#include "platform/in_parallel_linux.h"
 #include "platform/proc_facts_linux.h"
 #include "platform/proc_folder_linux.h"
 #include "platform/process_source.h"
@@ -23,15 +21,11 @@ namespace {
 
 using Index = ProcessForest::Index;
 
-/// Descriptors looked at in one process; a process with more is a server with that many clients, and its listening
-/// sockets are among its first.
+/// Descriptors looked at in one process; listening sockets are among a server's first.
 constexpr std::size_t kDescriptorLimit = 4096;
 
-/// Processes whose descriptors are looked at before it is asked whether all sockets have been found.
+/// Processes that are looked into before it is asked whether all sockets have been found.
 constexpr std::size_t kSocketRound = 512;
-/// Fewer than this are quicker read by one thread.
-constexpr std::size_t kWorthAThread = 64;
-
 bool swapIsUsed() {
   struct sysinfo about = {};
   return ::sysinfo(&about) != 0 || about.totalswap != about.freeswap;
@@ -44,7 +38,6 @@ class Listing {
         machine_(machineNow()),
         question_(question),
         currentUser_(question.currentUser),
-        // The superuser reads everything of everybody.
         seesAll_(::geteuid() == 0),
         swapIsUsed_(swapIsUsed()) {}
 
@@ -62,7 +55,7 @@ class Listing {
         readEverything(sockets);
         break;
     }
-    countClients(sockets);
+    countClients(sockets, processes_);
     return {std::move(processes_), unownedListeners_};
   }
 
@@ -70,7 +63,7 @@ class Listing {
   void readTable() {
     const std::vector<std::int32_t> pids = proc_.pids(kProcessLimit);
     std::vector<std::optional<ProcessFacts>> found(pids.size());
-    inParallel(pids.size(), [&](ProcFolder& proc, std::size_t at) {
+    inParallel(proc_, pids.size(), [&](ProcFolder& proc, std::size_t at) {
       const auto entry = proc.entry(pids[at]);
       if (!entry || entry->stat.kernelThread || entry->stat.state == 'Z' || entry->stat.state == 'X') return;
       found[at] = factsOfEntry(*entry, machine_);
@@ -124,28 +117,10 @@ class Listing {
     readEnvironments(adoptedRoots());
   }
 
-  /// Calls `work` once for each number below `count`, on two threads where that pays. The calls must not touch the
-  /// same process.
-  template <typename Work>
-  void inParallel(std::size_t count, Work&& work) {
-    auto second = count < kWorthAThread ? Result<ProcFolder>(fail(0, "")) : proc_.again();
-    const std::size_t half = second ? count / 2 : count;
-    std::thread helper;
-    if (second) {
-      helper = std::thread([&] {
-        for (std::size_t at = half; at < count; ++at) work(*second, at);
-      });
-    }
-    for (std::size_t at = 0; at < half; ++at) work(proc_, at);
-    if (helper.joinable()) helper.join();
-  }
-
   bool mayInspect(Index index) const { return processes_[index].uid == currentUser_ || processes_[index].pid == 1; }
 
   std::vector<Index> allIndices() const {
-    std::vector<Index> all(processes_.size());
-    std::iota(all.begin(), all.end(), Index{0});
-    return all;
+    return indicesOf([](Index) { return true; });
   }
 
   template <typename Wanted>
@@ -207,51 +182,33 @@ class Listing {
     return found;
   }
 
-  /// Gives each listening socket to the first process that holds it. Processes come in order of start, so that is the
-  /// topmost of those that share it; the sockets' own users come first, since theirs it nearly always is.
+  /// Processes come in order of start, so that the topmost of those that share a socket is shown first; the sockets'
+  /// own users come before the others.
   void findListeners(const std::vector<TcpSocket>& sockets, const std::vector<Index>& candidates) {
-    std::unordered_map<std::uint64_t, const TcpSocket*> wanted;
-    std::unordered_set<std::uint32_t> users;
-    for (const TcpSocket& socket : sockets) {
-      if (socket.state != TcpState::listening || socket.inode == 0) continue;
-      wanted.try_emplace(socket.inode, &socket);
-      users.insert(socket.uid);
-    }
+    SocketOwners owners(sockets);
     std::vector<Index> order = candidates;
-    std::ranges::stable_partition(order, [&](Index index) { return users.contains(processes_[index].uid); });
-    for (std::size_t begin = 0; begin < order.size() && !wanted.empty(); begin += kSocketRound) {
+    std::ranges::stable_partition(order, [&](Index index) { return owners.isOfUser(processes_[index].uid); });
+    for (std::size_t begin = 0; begin < order.size() && owners.left() > 0; begin += kSocketRound) {
       const std::size_t count = std::min(kSocketRound, order.size() - begin);
       std::vector<std::optional<std::vector<std::uint64_t>>> held(count);
-      inParallel(count, [&](const ProcFolder& proc, std::size_t at) {
+      inParallel(proc_, count, [&](const ProcFolder& proc, std::size_t at) {
         held[at] = proc.sockets(processes_[order[begin + at]].pid, kDescriptorLimit);
       });
       for (std::size_t at = 0; at < count; ++at) {
-        if (held[at]) assign(*held[at], wanted, processes_[order[begin + at]]);
+        if (held[at]) owners.give(*held[at], processes_[order[begin + at]]);
       }
     }
-    unownedListeners_ = static_cast<int>(wanted.size());
-  }
-
-  static void assign(const std::vector<std::uint64_t>& held,
-                     std::unordered_map<std::uint64_t, const TcpSocket*>& wanted, ProcessFacts& facts) {
-    for (const std::uint64_t inode : held) {
-      const auto found = wanted.find(inode);
-      if (found == wanted.end()) continue;
-      facts.ports.push_back(found->second->port);
-      facts.reachable |= !found->second->loopback;
-      wanted.erase(found);
-    }
-    std::ranges::sort(facts.ports);
-    const auto repeated = std::ranges::unique(facts.ports);
-    facts.ports.erase(repeated.begin(), repeated.end());
+    // Of a part of the processes alone, the others' sockets are none that could not be found.
+    if (candidates.size() == processes_.size()) unownedListeners_ = static_cast<int>(owners.left());
   }
 
   void readPrograms(const std::vector<Index>& indices) {
-    inParallel(indices.size(), [&](ProcFolder& proc, std::size_t at) { readProgram(proc, processes_[indices[at]]); });
+    inParallel(proc_, indices.size(),
+               [&](ProcFolder& proc, std::size_t at) { readProgram(proc, processes_[indices[at]]); });
   }
 
   void readDetails(const std::vector<Index>& indices) {
-    inParallel(indices.size(), [&](ProcFolder& proc, std::size_t at) {
+    inParallel(proc_, indices.size(), [&](ProcFolder& proc, std::size_t at) {
       ProcessFacts& facts = processes_[indices[at]];
       facts.cwd = proc.link(facts.pid, "cwd");
       const auto statm = proc.read(facts.pid, "statm");
@@ -263,30 +220,18 @@ class Listing {
   }
 
   void readEnvironments(const std::vector<Index>& indices) {
-    inParallel(indices.size(), [&](ProcFolder& proc, std::size_t at) {
+    inParallel(proc_, indices.size(), [&](ProcFolder& proc, std::size_t at) {
       ProcessFacts& facts = processes_[indices[at]];
       const auto text = proc.read(facts.pid, "environ");
       if (text) facts.variables = parseNamedVariables(*text, namedVariables());
     });
   }
 
-  void countClients(const std::vector<TcpSocket>& sockets) {
-    std::unordered_map<int, int> clients;
-    for (const TcpSocket& socket : sockets) {
-      if (socket.state == TcpState::established) ++clients[socket.port];
-    }
-    for (ProcessFacts& facts : processes_) {
-      for (const int port : facts.ports) {
-        if (const auto found = clients.find(port); found != clients.end()) facts.clients += found->second;
-      }
-    }
-  }
-
   ProcFolder proc_;
   Machine machine_;
   const ListingQuestion& question_;
   std::uint32_t currentUser_;
-  bool seesAll_;
+  bool seesAll_;  // the superuser reads everything of everybody
   bool swapIsUsed_;
   std::vector<ProcessFacts> processes_;
   std::optional<ProcessForest> forest_;

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <unordered_map>
-#include <unordered_set>
 
+#include "inventory/socket_owners.h"
 #include "platform/kernel_processes_macos.h"
 #include "platform/process_source.h"
 
@@ -15,30 +14,20 @@ namespace {
 constexpr std::size_t kChainLimit = 64;
 constexpr std::size_t kBelowLimit = 512;
 
-/// Gives each listening socket to the first process that holds it; processes come in order of start, so that is the
-/// topmost of those that share it.
+/// Processes come in order of start, so that the topmost of those that share a socket is shown first.
 void findListeners(std::vector<ProcessFacts>& processes, std::uint32_t user) {
-  std::unordered_set<std::uint64_t> taken;
-  std::unordered_map<int, int> clients;
-  for (ProcessFacts& facts : processes) {
-    if (facts.uid != user) continue;
-    for (const TcpSocket& socket : socketsOf(facts.pid)) {
-      if (socket.state == TcpState::established) {
-        ++clients[socket.port];
-      } else if (taken.insert(socket.inode).second) {
-        facts.ports.push_back(socket.port);
-        facts.reachable = facts.reachable || !socket.loopback;
-      }
-    }
-    std::ranges::sort(facts.ports);
-    const auto repeated = std::ranges::unique(facts.ports);
-    facts.ports.erase(repeated.begin(), repeated.end());
-  }
-  for (ProcessFacts& facts : processes) {
-    for (const int port : facts.ports) {
-      if (const auto found = clients.find(port); found != clients.end()) facts.clients += found->second;
+  std::vector<TcpSocket> all;
+  std::vector<std::vector<std::uint64_t>> held(processes.size());
+  for (std::size_t at = 0; at < processes.size(); ++at) {
+    if (processes[at].uid != user) continue;
+    for (const TcpSocket& socket : socketsOf(processes[at].pid)) {
+      all.push_back(socket);
+      held[at].push_back(socket.inode);
     }
   }
+  SocketOwners owners(all);
+  for (std::size_t at = 0; at < processes.size(); ++at) owners.give(held[at], processes[at]);
+  countClients(all, processes);
 }
 
 std::vector<ProcessFacts> table() {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "logic/helper/lid_sleep_limits.h"
 
 namespace brindle {
@@ -27,6 +29,23 @@ TEST(HoldText, RefusesMoreThanTheLimitAndNothing) {
 
 TEST(HoldText, SaysWhatADurationLooksLike) {
   EXPECT_EQ(problemOf("4"), "--for 4: expected a duration such as 90s, 45m, 4h or 1h30m");
+}
+
+TEST(HoldText, LetsGoAtTwentyPercentWhenNothingIsSaid) {
+  EXPECT_EQ(batteryFloorOf(std::nullopt), (BatteryFloor{.percent = 20}));
+}
+
+TEST(HoldText, TakesABatteryFloorFromFiveToNinety) {
+  EXPECT_EQ(batteryFloorOf("5"), (BatteryFloor{.percent = 5}));
+  EXPECT_EQ(batteryFloorOf("35"), (BatteryFloor{.percent = 35}));
+  EXPECT_EQ(batteryFloorOf("90"), (BatteryFloor{.percent = 90}));
+  EXPECT_EQ(batteryFloorOf("35%"), (BatteryFloor{.percent = 35}));
+}
+
+TEST(HoldText, RefusesEveryOtherBatteryFloor) {
+  for (const std::string text : {"4", "91", "0", "-20", "", "%", "20%%", "20.5", " 20", "x", "99999999999999999999"}) {
+    EXPECT_EQ(batteryFloorOf(text).problem, "--battery-floor " + text + ": expected a percentage from 5 to 90");
+  }
 }
 
 TEST(HoldText, TellsAMissingHelperFromOneThatRefuses) {

@@ -124,6 +124,22 @@ TEST_F(RunSessionTest, RunsTheCommandWhileTheBatteryForbidsAHold) {
   EXPECT_TRUE(client.calls.empty());
 }
 
+TEST_F(RunSessionTest, TellsOfAPauseAndOfTheReturnWhileTheCommandGoesOn) {
+  loop.post([this] {
+    loop.post([this] {
+      gate.change({.mayHold = false, .why = "the battery is at 15 %"});
+      loop.post([this] {
+        gate.change({});
+        loop.post([this] { gateway.reset(); });
+      });
+    });
+  });
+  EXPECT_EQ(run(untilClosed(6)), (RunResult{.child = ChildEnd{.exitStatus = 6}}));
+  EXPECT_EQ(client.calls, (std::vector<std::string>{"disable 3600", "enable", "disable 3600", "enable"}));
+  EXPECT_EQ(recorded.remarks.text,
+            "brindle: sleep is on for now: the battery is at 15 %\nbrindle: sleep is off again\n");
+}
+
 TEST_F(RunSessionTest, PassesOnWhatAProcessSends) {
   // The shell asks its parent, which is this process, for the signal and then dies of it.
   EXPECT_EQ(run("trap 'exit 9' USR1; kill -USR1 $PPID; for turn in $(seq 100); do sleep 0.1; done"),
@@ -132,16 +148,23 @@ TEST_F(RunSessionTest, PassesOnWhatAProcessSends) {
 }
 
 TEST_F(RunSessionTest, LetsGoWhenItIsInterruptedBeforeTheCommandRuns) {
-  client.onCall = nullptr;
-  sigemptyset(&recorded.context.signals.blocked);
-  loop.post([] { ::raise(SIGTERM); });
-  loop.post([this] {
-    client.onCall = [this] { loop.post([this] { client.sleepPending.back()(SleepReply{true, "Sleep on"}); }); };
-  });
-  const RunResult result = runHeld(loop, {.client = client, .timer = timer, .gate = gate},
-                                   {.words = {"/bin/sh", "-c", "exit 0"}, .duration = Seconds{3600}}, recorded.context);
-  EXPECT_EQ(result, (RunResult{.code = 143}));
-  EXPECT_EQ(client.calls, kHeldAndLetGo);
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    (void)std::signal(number, SIG_DFL);  // what is ignored is not watched
+    client.calls.clear();
+    client.sleepPending.clear();
+    client.onCall = nullptr;
+    sigemptyset(&recorded.context.signals.blocked);
+    EventLoop turn = *EventLoop::create();
+    turn.post([number] { ::raise(number); });
+    turn.post([&] {
+      client.onCall = [&] { turn.post([this] { client.sleepPending.back()(SleepReply{true, "Sleep on"}); }); };
+    });
+    const RunResult result =
+        runHeld(turn, {.client = client, .timer = timer, .gate = gate},
+                {.words = {"/bin/sh", "-c", "exit 0"}, .duration = Seconds{3600}}, recorded.context);
+    EXPECT_EQ(result, (RunResult{.code = 128 + number}));
+    EXPECT_EQ(client.calls, kHeldAndLetGo);
+  }
 }
 
 }  // namespace

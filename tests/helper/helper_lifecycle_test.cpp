@@ -150,7 +150,7 @@ TEST(HelperIdleExit, WaitsForEveryConnection) {
   EXPECT_EQ(daemon.exit.idleExits, 1);
 }
 
-TEST(HelperIdleExit, IsNotPutOffByAccepting) {
+TEST(HelperIdleExit, NeverComesWhileAConnectionIsOpen) {
   TestDaemon daemon;
   daemon.started();
   daemon.pass(100);

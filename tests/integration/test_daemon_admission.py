@@ -121,6 +121,9 @@ class Strangers(DaemonCase):
         polkit.signal(signal.SIGSTOP)
         crowd = self.client_process(NOBODY)
         self.assertEqual(crowd.ask("crowd 64"), limit)
+        trusted = self.client()
+        self.hold(trusted)
+        trusted.set_sleep_disabled(False)
         polkit.signal(signal.SIGCONT)
         self.wait_until(lambda: crowd.ask("heartbeat") == "0", "there is room again")
 

@@ -84,6 +84,19 @@ class LeftBehind(ProcessCase):
         self.assertEqual(row["origin"], "Claude Code (exited), by its owner's pid")
         self.assertEqual(row["ports"], [port])
 
+    def test_a_double_forked_server_is_left_behind_too(self):
+        port = free_port()
+        agent = self.agent(
+            "export CLAUDECODE=1 CLAUDE_PID=$SELF\n( "
+            + self.server_line(port, "server").replace("python3", "setsid python3")
+            + " )\nsleep 1000 &"
+        )
+        server = self.pid_from("server")
+        wait_until(lambda: is_listening(port), "the server")
+        self.assertIsNone(self.left_behind(server))
+        self.kill(agent)
+        self.assertEqual(self.left_behind(server)["origin"], "Claude Code (exited), by its owner's pid")
+
     def test_an_agent_that_only_marks_its_children_is_known_by_their_environment(self):
         agent, server, _ = self.killed_agent_with_server("export GEMINI_CLI=1\n", name="gemini")
         self.kill(agent)
@@ -115,6 +128,36 @@ class LeftBehind(ProcessCase):
         self.assertIn(f"Free again: port {port}.", stopped.stdout)
         self.assertFalse(is_listening(port))
         self.assertIsNone(self.left_behind(server))
+
+
+class Ghosts(ProcessCase):
+    @unittest.skipUnless(os.geteuid() == 0 and shutil.which("unshare"), "skipped: a machine of its own takes root and unshare")
+    def test_stopping_ghosts_ends_what_was_left_behind_and_nothing_else(self):
+        """In a process namespace of its own, since it stops everything that was left behind on the machine."""
+        shutil.copy("/bin/bash", self.folder / "codex")
+        script = f"""
+            {self.folder}/codex -c 'CODEX_THREAD_ID=t sleep 1001 & CODEX_THREAD_ID=t sleep 1002 & wait' &
+            agent=$!
+            sleep 1003 &
+            until [ $(pgrep -c '^sleep$') = 3 ]; do :; done
+            echo before; {BRINDLE} ghosts
+            kill -9 $agent; wait $agent 2>/dev/null
+            echo shown; {BRINDLE} ghosts
+            echo stopped; {BRINDLE} ghosts --stop --yes; echo "code $?"
+            echo after; {BRINDLE} ghosts
+            echo left; pgrep -a '^sleep$'
+        """
+        result = subprocess.run(
+            ["unshare", "--pid", "--fork", "--mount-proc", "--kill-child", "/bin/bash", "-c", script],
+            env=self.environment, cwd=self.folder, capture_output=True, text=True, timeout=60)
+        parts = re.split(r"^(before|shown|stopped|after|left)\n", result.stdout, flags=re.M)
+        text = dict(zip(parts[1::2], parts[2::2]))
+        self.assertEqual(text["before"], "Nothing was left behind.\n", result.stdout + result.stderr)
+        self.assertEqual(len(re.findall(r"Codex \(exited\), by its environment", text["shown"])), 2)
+        self.assertEqual(len(re.findall(r"sleep: stopped", text["stopped"])), 2)
+        self.assertIn("code 0", text["stopped"])
+        self.assertEqual(text["after"], "Nothing was left behind.\n")
+        self.assertRegex(text["left"], r"^\d+ sleep 1003\n$")
 
 
 class Stopping(ProcessCase):

@@ -233,6 +233,12 @@ TEST(ProcessOrigin, LoopsAndRepeatedPidsDoNotHang) {
   EXPECT_TRUE(findOrigins({{}, {}, kUser, SystemProcessRules::forLinux()}).empty());
 }
 
+TEST(ProcessOrigin, ATraceIsAVariableOrAShellSnapshot) {
+  EXPECT_TRUE(showsTrace({.variables = kClaude}));
+  EXPECT_TRUE(showsTrace({.arguments = {"zsh", "-c", "source /h/.claude/shell-snapshots/snapshot-zsh-1.sh"}}));
+  EXPECT_FALSE(showsTrace({.arguments = {"vim", ".claude/settings.json"}, .variables = {{"AGENT", "1"}}}));
+}
+
 TEST(ProcessOrigin, TextsRoundTrip) {
   for (const auto& row : allCases<OriginTie>()) EXPECT_EQ(enumFrom<OriginTie>(textOf(row.value)), row.value);
   for (const auto& row : allCases<OriginEvidence>()) EXPECT_EQ(enumFrom<OriginEvidence>(textOf(row.value)), row.value);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
+#include <vector>
+
 #include "platform/policy_power_gate.h"
 
 namespace brindle {
@@ -107,6 +110,15 @@ TEST(PowerJudge, TellsTheFirstVerdictAndThenEachChange) {
   EXPECT_EQ(judge.judge(onBattery(25)), (PowerVerdict{true, ""}));
 }
 
+TEST(PowerJudge, GoesByTheGivenFloor) {
+  PowerJudge judge(35);
+  EXPECT_TRUE(judge.judge(onBattery(36))->mayHold);
+  EXPECT_EQ(judge.judge(onBattery(35)),
+            (PowerVerdict{false, "the battery is at 35%, holding again above 39% or on power"}));
+  EXPECT_EQ(judge.judge(onBattery(39)), std::nullopt);
+  EXPECT_EQ(judge.judge(onBattery(40)), (PowerVerdict{true, ""}));
+}
+
 TEST(PowerJudge, ComingOffBatteryAllowsAtOnce) {
   PowerJudge judge(20);
   EXPECT_FALSE(judge.judge(onBattery(5))->mayHold);
@@ -129,6 +141,32 @@ TEST(PolicyPowerGate, TellsTheVerdictOfNowBeforeWatchReturns) {
   gate.watch([&](const PowerVerdict& verdict) { told.push_back(verdict); });
   ASSERT_EQ(told.size(), 1U);
   EXPECT_FALSE(told.front().mayHold);
+}
+
+TEST(PolicyPowerGate, AsksTheMachineAgainAndTellsEachChange) {
+  auto loop = EventLoop::create();
+  ASSERT_TRUE(loop);
+  std::deque<std::int64_t> percents = {50, 50, 3, 3, 50};
+  const auto read = [&percents] {
+    const std::int64_t percent = percents.front();
+    if (percents.size() > 1) percents.pop_front();
+    return onBattery(percent);
+  };
+  PolicyPowerGate gate(*loop, 20, read, Seconds{0.001});
+  std::vector<bool> told;
+  gate.watch([&](const PowerVerdict& verdict) {
+    told.push_back(verdict.mayHold);
+    if (told.size() == 3) loop->exit(0);
+  });
+  const auto tooLate = loop->after(Seconds{20}, [&loop] { loop->exit(1); });
+  ASSERT_TRUE(tooLate);
+  EXPECT_EQ(loop->run(), 0);
+  EXPECT_EQ(told, (std::vector<bool>{true, false, true}));
+}
+
+TEST(PolicyPowerGate, AsksOftenEnoughToSeeABatteryFall) {
+  EXPECT_GT(kPowerCheckInterval, Seconds{0});
+  EXPECT_LE(kPowerCheckInterval, Seconds{60});
 }
 
 }  // namespace

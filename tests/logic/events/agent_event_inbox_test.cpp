@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <map>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "tests/base/store_support.h"
 #include "tests/base/temporary_folder.h"
@@ -232,6 +237,31 @@ TEST_F(AgentEventInboxStore, TheEventsFileIsNeverWrittenThroughASymbolicLink) {
   EXPECT_EQ(appended.error().code, 513);
   EXPECT_EQ(contentOf(folder.file("victim")), "kept");
   EXPECT_EQ(inbox.drain(kNow), std::vector<AgentEvent>());
+}
+
+TEST_F(AgentEventInboxStore, LosesAndDoublesNothingBetweenWritersAndADrainer) {
+  constexpr int kWriters = 4;
+  constexpr int kEach = 150;
+  std::atomic<int> writing = kWriters;
+  std::vector<std::thread> writers;
+  for (int writer = 0; writer < kWriters; ++writer) {
+    writers.emplace_back([&, writer] {
+      const AgentEventInbox own(folder.path());
+      for (int i = 0; i < kEach; ++i) {
+        EXPECT_TRUE(own.append(event(std::to_string(writer) + "-" + std::to_string(i))));
+      }
+      --writing;
+    });
+  }
+  std::map<std::string, int> times;
+  const auto take = [&] {
+    for (const AgentEvent& taken : inbox.drain(kNow)) ++times[taken.id];
+  };
+  while (writing > 0) take();
+  for (std::thread& writer : writers) writer.join();
+  take();
+  EXPECT_EQ(times.size(), std::size_t{kWriters * kEach});
+  for (const auto& [id, count] : times) EXPECT_EQ(count, 1) << id;
 }
 
 TEST(AgentEventLines, BytesThatAreNoLinesGiveNoEvents) {

@@ -39,6 +39,38 @@ TEST(KeepAwakePolicy, LetsGoAtTheHeatLimitEvenOnPower) {
   }
 }
 
+TEST(KeepAwakePolicy, LetsGoAtTheHeatLimitOfTheRules) {
+  KeepAwakePolicy policy;
+  KeepAwakeRules rules = kRules;
+  rules.thermalLimit = ThermalLevel::critical;
+  EXPECT_EQ(policy.status(rules, kWorking, kOnPower, ThermalLevel::serious), kHolding);
+  EXPECT_EQ(policy.status(rules, kWorking, kOnPower, ThermalLevel::critical),
+            KeepAwakeStatus{KeepAwakeReleasedThermal{ThermalLevel::critical}});
+  rules.thermalLimit = ThermalLevel::fair;
+  EXPECT_EQ(policy.status(rules, kWorking, kOnPower, ThermalLevel::nominal), kHolding);
+  EXPECT_EQ(policy.status(rules, kWorking, kOnPower, ThermalLevel::fair),
+            KeepAwakeStatus{KeepAwakeReleasedThermal{ThermalLevel::fair}});
+}
+
+TEST(KeepAwakePolicy, LetsGoAtTheBatteryFloorOfTheRules) {
+  KeepAwakePolicy policy;
+  KeepAwakeRules rules = kRules;
+  rules.batteryFloor = 50;
+  const auto released = [](std::int64_t percent) { return KeepAwakeStatus(KeepAwakeReleasedBattery{percent, 50}); };
+  EXPECT_EQ(policy.status(rules, kWorking, battery(51), ThermalLevel::nominal), kHolding);
+  EXPECT_EQ(policy.status(rules, kWorking, battery(50), ThermalLevel::nominal), released(50));
+  EXPECT_EQ(policy.status(rules, kWorking, battery(54), ThermalLevel::nominal), released(54));
+  EXPECT_EQ(policy.status(rules, kWorking, battery(55), ThermalLevel::nominal), kHolding);
+}
+
+TEST(KeepAwakePolicy, StaysReleasedWhenItCoolsBelowTheRecoveredCharge) {
+  KeepAwakePolicy policy;
+  EXPECT_EQ(policy.status(kRules, kWorking, battery(20), ThermalLevel::nominal), releasedAt(20));
+  EXPECT_EQ(policy.status(kRules, kWorking, battery(24), ThermalLevel::serious),
+            KeepAwakeStatus{KeepAwakeReleasedThermal{ThermalLevel::serious}});
+  EXPECT_EQ(policy.status(kRules, kWorking, battery(24), ThermalLevel::nominal), releasedAt(24));
+}
+
 TEST(KeepAwakePolicy, LooksAtTheHeatBeforeTheBatteryAndLeavesItsMemoryAlone) {
   for (const bool released : {false, true}) {
     KeepAwakePolicy policy{.batteryReleased = released};
