@@ -112,6 +112,19 @@ class LeftBehind(ProcessCase):
         self.kill(agent)
         self.assertEqual(self.left_behind(server)["origin"], "aider (exited), by Brindle's record")
 
+    def test_a_server_without_marks_is_known_by_the_record_of_a_single_report(self):
+        agent, server, _ = self.killed_agent_with_server("", name="aider")
+        self.brindle("status", code=0)
+        self.assertIn(f'"pid":{server},', (self.state / "ownership.jsonl").read_text())
+        self.kill(agent)
+        self.assertEqual(self.left_behind(server)["origin"], "aider (exited), by Brindle's record")
+
+    def test_a_server_without_marks_is_known_by_the_record_of_a_stopping_command(self):
+        agent, server, port = self.killed_agent_with_server("", name="aider")
+        self.brindle("stop", f":{port}", "--dry-run", code=0)
+        self.kill(agent)
+        self.assertEqual(self.left_behind(server)["origin"], "aider (exited), by Brindle's record")
+
     def test_a_server_that_no_agent_started_is_not_left_behind(self):
         agent, server, _ = self.killed_agent_with_server("", name="not-an-agent")
         self.kill(agent)
