@@ -19,6 +19,8 @@ class MachineSource : public SnapshotSource {
 
   Result<HostSnapshot> take(const ProtectionRules& rules) override {
     Result<HostSnapshot> snapshot = lookAtHost(environment_, HostQuestion{.detail = ListingDetail::everything});
+    // A failure costs evidence about what is left behind later, not this answer.
+    if (snapshot) (void)rememberOwners(environment_, *snapshot).has_value();
     if (snapshot && snapshot->protectionRules != rules) {
       snapshot->protectionRules = rules;
       snapshot->protections = protectionReasons(*snapshot);

@@ -77,10 +77,12 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
     const std::string unseen = options.json ? std::string() : ReportText::unseen(*snapshot);
     if (!unseen.empty() && unseen != told) context.output.remark(unseen);
     told = unseen;
+    // Whoever looks also remembers who started what; a failure costs evidence later, not this report.
+    if (!options.snapshotFile && kind.detail != ListingDetail::listeners) {
+      (void)rememberOwners(context.environment, *snapshot).has_value();
+    }
     if (!options.watch) return report.found ? ExitCode::kDone : ExitCode::kNegative;
     if (context.output.readerGone()) return ExitCode::kDone;
-    // Whoever watches also remembers who started what; a failure costs evidence later, not this report.
-    if (kind.detail != ListingDetail::listeners) (void)rememberOwners(context.environment, *snapshot).has_value();
     std::this_thread::sleep_for(*options.watch);
   }
 }

@@ -34,9 +34,13 @@ int negative(CommandContext& context, const std::string& text) {
 /// A living machine, for what is about to be stopped; a recorded one cannot be.
 std::optional<HostSnapshot> living(CommandContext& context) {
   auto snapshot = snapshotFor({}, ListingDetail::everything, context.environment);
-  if (snapshot) return std::move(*snapshot);
-  context.output.remark(snapshot.error());
-  return std::nullopt;
+  if (!snapshot) {
+    context.output.remark(snapshot.error());
+    return std::nullopt;
+  }
+  // What survives its agent must be known later; a failure costs that evidence, not this command.
+  (void)rememberOwners(context.environment, *snapshot).has_value();
+  return std::move(*snapshot);
 }
 
 int runQuit(const Arguments& arguments, CommandContext& context) {

@@ -97,9 +97,12 @@ Outcome rememberOwners(const Environment& environment, const HostSnapshot& snaps
   if (!folder) return {};
   const OwnershipStore store(*folder);
   const std::string boot = bootId();
+  // Filled when it is first asked for: the file is seldom large enough to be cleaned, the processes are many.
   std::set<std::pair<std::int32_t, std::int64_t>> living;
-  for (const TrackedProcess& process : snapshot.processes) living.insert({process.pid, process.startTime});
   const auto cleaned = store.clean(boot, [&](std::int32_t pid, std::int64_t start) {
+    if (living.empty()) {
+      for (const TrackedProcess& process : snapshot.processes) living.insert({process.pid, process.startTime});
+    }
     return living.contains({pid, start});
   });
   auto added = store.add(ownershipOf(snapshot, boot));

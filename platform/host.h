@@ -33,7 +33,7 @@ struct HostQuestion {
 [[nodiscard]] const SystemProcessRules& hostRules();
 
 /// Remembers which processes hang below which agents now, so that they are known when the agent is gone; forgets what
-/// has ended. Called at each look by whoever watches the machine.
+/// has ended. Called at each look at the machine.
 Outcome rememberOwners(const Environment& environment, const HostSnapshot& snapshot);
 
 /// The same for one agent, from a hook command that it has started: quick, without a look at the whole machine.

@@ -186,6 +186,15 @@ TEST_F(ReportCommands, NothingRecordedIsEverStopped) {
   }
 }
 
+TEST_F(ReportCommands, NothingRecordedIsRememberedAsOfThisMachine) {
+  recorded.variables["BRINDLE_DATA_DIR"] = folder.file("state");
+  TrackedProcess server = listener(510, 30, 3000);
+  server.ppid = 500;
+  record({agent(500, 60), server});
+  for (const Command* command : {&kStatusCommand, &kAgentsCommand, &kIdleCommand, &kGhostsCommand}) (void)run(*command);
+  EXPECT_EQ(folder.entries(), 1U);
+}
+
 TEST_F(ReportCommands, TheRulesDecideWhoIsSeen) {
   TrackedProcess small = agent(40, 60);
   small.path = "/usr/bin/node";

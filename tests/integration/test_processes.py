@@ -2,10 +2,12 @@
 
 import json
 import os
+import pathlib
 import re
 import shutil
 import signal
 import subprocess
+import time
 import unittest
 
 from process_case import BRINDLE, ProcessCase, free_port, is_listening, wait_until
@@ -107,6 +109,19 @@ class LeftBehind(ProcessCase):
             records = self.state / "ownership.jsonl"
             wait_until(lambda: records.exists() and f'"pid":{server},' in records.read_text(), "the record")
             watcher.send_signal(signal.SIGINT)
+        self.kill(agent)
+        self.assertEqual(self.left_behind(server)["origin"], "aider (exited), by Brindle's record")
+
+    def test_a_server_without_marks_is_known_by_the_record_of_a_single_report(self):
+        agent, server, _ = self.killed_agent_with_server("", name="aider")
+        self.brindle("status", code=0)
+        self.assertIn(f'"pid":{server},', (self.state / "ownership.jsonl").read_text())
+        self.kill(agent)
+        self.assertEqual(self.left_behind(server)["origin"], "aider (exited), by Brindle's record")
+
+    def test_a_server_without_marks_is_known_by_the_record_of_a_stopping_command(self):
+        agent, server, port = self.killed_agent_with_server("", name="aider")
+        self.brindle("stop", f":{port}", "--dry-run", code=0)
         self.kill(agent)
         self.assertEqual(self.left_behind(server)["origin"], "aider (exited), by Brindle's record")
 
@@ -237,30 +252,58 @@ class Peers(ProcessCase):
         for port in ports:
             self.pid_from(f"server{port}")
             wait_until(lambda: is_listening(port), "a server")
+        before = self.listeners_of_ss()
+        ours = {}
+        for row in self.document("ports")["listeners"]:
+            ours.setdefault(row["port"], set()).add(row["pid"])
+        after = self.listeners_of_ss()
+        lasting = {port: before[port] & after[port] for port in before.keys() & after.keys()}
+        self.assertLessEqual(set(ports), set(lasting))
+        for port, holders in lasting.items():
+            if holders:
+                self.assertIn(port, ours)
+                self.assertTrue(ours[port] & holders, f"port {port}: {ours[port]} is none of {holders}")
+        for port in ours:
+            self.assertTrue(port in before or port in after, f"nobody listens on port {port}")
+
+    def listeners_of_ss(self):
+        """The pids of all holders of each listening port; none where ss could not tell."""
         listing = subprocess.run(["ss", "-Hltnp"], capture_output=True, text=True, check=True).stdout
-        theirs = {}
+        found = {}
         for line in listing.splitlines():
-            found = re.search(r":(\d+)\s", line), re.findall(r"pid=(\d+)", line)
-            if found[0] and int(found[0][1]) in ports:
-                theirs.setdefault(int(found[0][1]), set()).update(map(int, found[1]))
-        self.assertEqual(set(theirs), set(ports))
-        for port in ports:
-            self.assertIn(self.listener(port)["pid"], theirs[port])
+            port = int(line.split()[3].rpartition(":")[2])
+            found.setdefault(port, set()).update(int(pid) for pid in re.findall(r"pid=(\d+)", line))
+        return found
 
     def test_the_snapshot_agrees_with_ps(self):
         self.agent("sleep 1000 & sleep 1000 &")
-        listing = subprocess.run(["ps", "-eo", "pid=,ppid=,uid=,stat=,comm="], capture_output=True, text=True, check=True)
+        before = self.processes_of_ps()
         ours = {each["pid"]: each for each in json.loads(self.brindle("snapshot", code=0).stdout)}
-        compared = 0
-        for line in listing.stdout.splitlines():
-            pid, parent, user, state, _ = line.split(None, 4)
-            if state.startswith("Z") or int(pid) not in ours or int(pid) != 1 and int(parent) == 2:
-                continue
-            self.assertEqual((ours[int(pid)]["ppid"], ours[int(pid)]["uid"]), (int(parent), int(user)))
-            compared += 1
-        self.assertGreater(compared, 2)
+        after = self.processes_of_ps()
+        lasting = [pid for pid in before if pid in after and before[pid][:2] == after[pid][:2]]
+        self.assertGreater(len(lasting), 2)
+        for pid in lasting:
+            self.assertIn(pid, ours)
+            self.assertEqual((ours[pid]["ppid"], ours[pid]["uid"]), before[pid][:2])
+            earliest, latest = before[pid][2:]
+            self.assertTrue(earliest <= ours[pid]["start"] <= latest, f"start of {pid}")
         agent = [each for each in ours.values() if each.get("agentName") == "Claude Code" and each.get("cwd") == str(self.project)]
         self.assertEqual(len(agent), 1)
+
+    def processes_of_ps(self):
+        """Parent, user, earliest and latest start of each process that is no kernel thread and has not ended."""
+        kernel = pathlib.Path("/proc/2/comm")
+        threads = "2" if kernel.exists() and kernel.read_text().strip() == "kthreadd" else None
+        began = time.time()
+        listing = subprocess.run(["ps", "-eo", "pid=,ppid=,uid=,etimes=,stat="], capture_output=True, text=True, check=True)
+        ended = time.time()
+        found = {}
+        for line in listing.stdout.splitlines():
+            pid, parent, user, age, state = line.split()
+            if not state.startswith("Z") and threads not in (pid, parent):
+                # Ages are whole seconds, and the system's clocks may be adjusted a little against each other.
+                found[int(pid)] = (int(parent), int(user), began - int(age) - 2, ended - int(age) + 2)
+        return found
 
     def test_a_recorded_snapshot_gives_the_documents_of_that_moment(self):
         port = free_port()

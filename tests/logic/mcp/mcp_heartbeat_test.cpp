@@ -51,6 +51,15 @@ TEST_F(MCPHeartbeatFile, AFileThatIsNoStampIsNotFresh) {
   }
 }
 
+TEST_F(MCPHeartbeatFile, AFileOf4096BytesIsReadAndALongerOneIsNot) {
+  std::string text = MCPHeartbeat::encodeStamp({kNow});
+  text.resize(4096, ' ');
+  writeRaw(file(), text);
+  EXPECT_TRUE(freshAt(0));
+  writeRaw(file(), text + " ");
+  EXPECT_FALSE(freshAt(0));
+}
+
 TEST_F(MCPHeartbeatFile, TheFileHoldsOneStamp) {
   ASSERT_TRUE(MCPHeartbeat::write(folder.path(), kNow + Seconds{0.75}));
   EXPECT_EQ(contentOf(file()), "{\"time\":\"2026-03-01T08:00:00Z\"}");

@@ -129,6 +129,16 @@ TEST_F(MCPQuitInboxStore, EveryPrefixOfTheFileIsTheListOrEmpty) {
   }
 }
 
+TEST_F(MCPQuitInboxStore, AFileAtTheLimitIsReadAndALongerOneCountsAsEmpty) {
+  ASSERT_TRUE(inbox.add(request("a")));
+  std::string text = contentOf(file());
+  text.resize(MCPQuitInbox::kByteLimit, ' ');
+  writeRaw(file(), text);
+  EXPECT_EQ(inbox.pending(), std::vector{request("a")});
+  writeRaw(file(), text + " ");
+  EXPECT_EQ(inbox.pending(), std::vector<MCPQuitRequest>());
+}
+
 TEST_F(MCPQuitInboxStore, AskingAgainForOneTargetAnswersTheRequestThatWaits) {
   EXPECT_EQ(inbox.addOnce(request("first")), "first");
   EXPECT_EQ(inbox.addOnce(request("second")), "first");

@@ -59,6 +59,15 @@ TEST_F(MCPRequestLogStore, GarbageBetweenTwoGoodLinesIsLeftOut) {
   EXPECT_EQ(log.recent(kNow), (std::vector{entry("a"), entry("b")}));
 }
 
+TEST_F(MCPRequestLogStore, AFileAtTheLimitIsReadAndALongerOneCountsAsEmpty) {
+  std::string text = mcpLogLine(entry("a"));
+  text.resize(MCPRequestLog::kByteLimit, '\n');
+  writeRaw(file(), text);
+  EXPECT_EQ(log.recent(kNow), std::vector{entry("a")});
+  writeRaw(file(), text + "\n");
+  EXPECT_EQ(log.recent(kNow), std::vector<MCPLogEntry>());
+}
+
 TEST_F(MCPRequestLogStore, ATornLastLineIsLeftOut) {
   const std::string whole = mcpLogLine(entry("a")) + mcpLogLine(entry("b"));
   const std::size_t first = mcpLogLine(entry("a")).size();

@@ -73,6 +73,15 @@ TEST_F(WidgetFeedFile, AFileThatDoesNotDecodeReadsAsNoSnapshot) {
   }
 }
 
+TEST_F(WidgetFeedFile, AFileOfOneMebibyteIsReadAndALongerOneIsNot) {
+  std::string text = WidgetFeed::encodeText(snapshot());
+  text.resize(std::size_t{1} << 20, ' ');
+  writeRaw(file(), text);
+  EXPECT_EQ(WidgetFeed::read(folder.path()), snapshot());
+  writeRaw(file(), text + " ");
+  EXPECT_EQ(WidgetFeed::read(folder.path()), std::nullopt);
+}
+
 TEST_F(WidgetFeedFile, EveryPrefixOfTheFileReadsAsNoSnapshot) {
   const std::string whole = WidgetFeed::encodeText(snapshot());
   for (std::size_t length = 0; length < whole.size(); ++length) {
