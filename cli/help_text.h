@@ -16,7 +16,7 @@ namespace brindle {
 /// What `brindle COMMAND --help` prints.
 [[nodiscard]] std::string commandHelp(const Command& command);
 
-/// "brindle 1.0.0".
+/// "brindle 1.3.0".
 [[nodiscard]] std::string versionText();
 
 }  // namespace brindle

@@ -80,6 +80,14 @@ int runStopCommand(const Arguments& arguments, CommandContext& context) {
   return runStop(stopTree(*snapshot, {.root = target->process->pid}, ownChain()), arguments, context);
 }
 
+/// Only this machine's processes can be stopped, once, and what is told of it is for people.
+std::string problemOfStopping(const Arguments& arguments) {
+  if (arguments.has("--json") || arguments.has("--watch") || arguments.has("--snapshot")) {
+    return "--stop does not go with --json, --watch or --snapshot";
+  }
+  return reportOptionsOf(arguments).problem;
+}
+
 IdlePlan idlePlanOf(const HostSnapshot& snapshot, Seconds minimumAge) {
   ReportSnapshot report = snapshot.report();
   const ProtectionReasons reasons = unaskedReasons(snapshot);
@@ -102,15 +110,10 @@ int runIdle(const Arguments& arguments, CommandContext& context) {
     age = *parsed;
   }
   if (arguments.has("--stop")) {
-    if (arguments.has("--json") || arguments.has("--watch") || arguments.has("--snapshot")) {
-      return wrongUsage(context, "--stop does not go with --json, --watch or --snapshot");
-    }
+    if (const std::string problem = problemOfStopping(arguments); !problem.empty()) return wrongUsage(context, problem);
     const auto snapshot = living(context);
     if (!snapshot) return ExitCode::kFailure;
-    const StopList list = stopIdle(*snapshot, idlePlanOf(*snapshot, age), ownChain());
-    if (list.stopping() > 0) return runStop(list, arguments, context);
-    context.output.print("Nothing idle to stop.\n");
-    return ExitCode::kNegative;
+    return runStop(stopIdle(*snapshot, idlePlanOf(*snapshot, age), ownChain()), arguments, context);
   }
   const auto make = [age](const HostSnapshot& snapshot, const ReportOptions& options, const Output& output) {
     const IdleDocument document = IdleStop::document(idlePlanOf(snapshot, age), age.count());
@@ -148,9 +151,7 @@ Report ghostsReport(const HostSnapshot& snapshot, const ReportOptions& options, 
 
 int runGhosts(const Arguments& arguments, CommandContext& context) {
   if (!arguments.has("--stop")) return runReport(arguments, context, {ListingDetail::agents, ghostsReport});
-  if (arguments.has("--json") || arguments.has("--watch") || arguments.has("--snapshot")) {
-    return wrongUsage(context, "--stop does not go with --json, --watch or --snapshot");
-  }
+  if (const std::string problem = problemOfStopping(arguments); !problem.empty()) return wrongUsage(context, problem);
   const auto snapshot = living(context);
   if (!snapshot) return ExitCode::kFailure;
   return runStop(stopLeftBehind(*snapshot, ownChain()), arguments, context);
@@ -170,8 +171,8 @@ constexpr ArgumentSpec kTargetWord[] = {{.name = ":PORT|PID", .help = "who liste
 
 constexpr std::string_view kStopDetails =
     "Shows what would be stopped and what is left alone and why, asks, and stops it: the topmost process first,\n"
-    "then what did not follow. Exits with 1 when something still runs or nothing was stopped, and with 2 when\n"
-    "there is no terminal to ask at.";
+    "then what did not follow. Exits with 1 when something still runs or nothing was stopped, also because there\n"
+    "is no terminal to ask at.";
 
 }  // namespace
 

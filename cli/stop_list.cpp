@@ -1,9 +1,11 @@
 #include "cli/stop_list.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_map>
 
 #include "inventory/protections.h"
+#include "logic/sessions/byte_sum.h"
 #include "logic/sessions/session_quit_planner.h"
 #include "logic/sessions/stop_summary.h"
 
@@ -49,17 +51,16 @@ std::size_t StopList::stopping() const {
 }
 
 std::string StopList::summary() const {
-  if (stopping() == 0) return std::string(StopSummary::kNothing);
+  if (stopping() == 0) return std::string(ofIdlePlan ? StopSummary::kNothingIdle : StopSummary::kNothing);
   std::uint64_t bytes = 0;
   std::vector<int> ports;
+  std::unordered_set<int> named;
   for (const StopItem& item : items) {
     if (item.leftAlone) continue;
-    bytes += item.footprint;
-    ports.insert(ports.end(), item.ports.begin(), item.ports.end());
+    bytes = addedBytes(bytes, item.footprint);
+    std::ranges::copy_if(item.ports, std::back_inserter(ports), [&](int port) { return named.insert(port).second; });
   }
-  std::ranges::sort(ports);
-  const auto repeated = std::ranges::unique(ports);
-  ports.erase(repeated.begin(), repeated.end());
+  if (ofIdlePlan) std::ranges::sort(ports);
   return StopSummary::text(bytes, ports);
 }
 
@@ -98,7 +99,7 @@ StopList stopLeftBehind(const HostSnapshot& snapshot, const std::unordered_set<s
 StopList stopIdle(const HostSnapshot& snapshot, const IdlePlan& plan,
                   const std::unordered_set<std::int32_t>& ownChain) {
   const ByPid byPid = byPidOf(snapshot);
-  StopList list;
+  StopList list{.ofIdlePlan = true};
   const auto add = [&](const IdleCandidate& candidate) {
     const auto found = byPid.find(candidate.pid);
     if (found == byPid.end()) return;

@@ -33,10 +33,13 @@ struct StopItem {
 
 struct StopList {
   std::vector<StopItem> items;
+  /// It comes from the idle plan, which has its own words for nothing to stop and names its ports ascending.
+  bool ofIdlePlan = false;
 
   /// How many will be stopped.
   [[nodiscard]] std::size_t stopping() const;
-  /// What that frees, as one sentence; StopSummary::kNothing when nothing will be stopped.
+  /// What that frees, as one sentence, each port once and in the order of the items; StopSummary::kNothing, or
+  /// kNothingIdle, when nothing will be stopped.
   [[nodiscard]] std::string summary() const;
 
   bool operator==(const StopList&) const = default;

@@ -79,11 +79,13 @@ int carryOut(const StopList& list, bool force, CommandContext& context) {
   const std::vector<StopFate> fates = stopProcesses(targetsOf(list), {.force = force});
   std::size_t at = 0;
   bool allGone = true;
+  bool anyThere = false;
   for (const StopItem& item : list.items) {
     if (item.leftAlone) continue;
     const StopFate fate = fates[at++];
     const bool gone = fate == StopFate::stopped || fate == StopFate::gone;
     allGone = allGone && gone;
+    anyThere = anyThere || fate != StopFate::gone;
     const std::string line = std::to_string(item.pid) + " " + terminalText(item.name) + ": " + fateText(fate);
     context.output.print((gone ? line : context.output.painted(Paint::red, line)) + "\n");
   }
@@ -91,6 +93,10 @@ int carryOut(const StopList& list, bool force, CommandContext& context) {
   if (!freed.empty()) {
     context.output.print((freed.size() == 1 ? "Free again: port " : "Free again: ports ") +
                          ReportText::portList(freed) + ".\n");
+  }
+  if (!anyThere) {
+    context.output.remark("nothing was stopped: it had all ended already");
+    return ExitCode::kNegative;
   }
   if (!allGone && !force) context.output.remark("some processes still run: --force ends them without asking them");
   return allGone ? ExitCode::kDone : ExitCode::kNegative;
@@ -139,7 +145,7 @@ int runStop(const StopList& list, const Arguments& arguments, CommandContext& co
       return ExitCode::kNegative;
     case Decision::needsTTY:
       context.output.remark("nothing was stopped: there is no terminal to ask at; --yes agrees in advance");
-      return ExitCode::kFailure;
+      return ExitCode::kNegative;
   }
   return ExitCode::kFailure;
 }

@@ -18,8 +18,8 @@ inline constexpr OptionSpec kForceOption = {.name = "--force", .help = "end what
 inline constexpr OptionSpec kDryRunOption = {.name = "--dry-run", .help = "only show what would be stopped"};
 
 /// The plan on the results, the question on the remarks, then one line for each process. 0 when everything that was to
-/// be stopped is gone; 1 when there is nothing to stop, the person declined, or something still runs; 2 when nobody
-/// can be asked.
+/// be stopped is gone; 1 when there is nothing to stop or all of it had ended before, when the person declined or
+/// cannot be asked, and when something still runs.
 [[nodiscard]] int runStop(const StopList& list, const Arguments& arguments, CommandContext& context);
 
 /// The pids of this process and its ancestors.

@@ -142,7 +142,12 @@ SafetyGate::Input safetyInput(const HostSnapshot& snapshot, const SafetyTarget& 
   input.brindle = isBrindle(*process);
   input.isSession = isSession;
   if (isSession) input.name = process->agentName.value_or(process->name);
-  if (const auto reason = snapshot.protections.find(process->pid); reason != snapshot.protections.end()) {
+  if (isSession) {
+    // As the quit plan sees the root: the protection of agents must not stand before a rule of the user.
+    QuitCandidate candidate = candidateOf(snapshot, *process);
+    candidate.defaultProtection.reset();
+    input.protectedReason = SessionQuitPlanner::skipReason(candidate, snapshot.currentUser, *snapshot.rules);
+  } else if (const auto reason = snapshot.protections.find(process->pid); reason != snapshot.protections.end()) {
     input.protectedReason = reason->second;
   }
   return input;

@@ -44,7 +44,7 @@ struct SafetyTarget {
 };
 
 /// What the safety gate decides by. A port stands for its topmost listener, one of the current user before others; a
-/// session pid that is no live session's root matches nothing.
+/// session pid that is no live session's root matches nothing. A session's reason is that of its root when it is quit.
 [[nodiscard]] SafetyGate::Input safetyInput(const HostSnapshot& snapshot, const SafetyTarget& target);
 
 /// The process that listens on `port`: the topmost of several, one of the current user before others; none when

@@ -5,6 +5,7 @@
 
 #include "logic/helper/helper_identity.h"
 #include "platform/bus_problem.h"
+#include "platform/clock.h"
 #include "system/bus_connection_linux.h"
 
 namespace brindle {
@@ -15,6 +16,8 @@ namespace {
 constexpr Seconds kRequestTimeout{120};
 constexpr Seconds kHeartbeatTimeout{10};
 constexpr Seconds kStatusTimeout{5};
+/// An error that comes sooner than this is the answer of a helper that was just ending itself, or of the bus for it.
+constexpr Seconds kAskAgainWithin{5};
 
 constexpr const char* kBusService = "org.freedesktop.DBus";
 constexpr const char* kBusPath = "/org/freedesktop/DBus";
@@ -36,19 +39,18 @@ class BusHelperClient : public HelperClient {
  public:
   explicit BusHelperClient(EventLoop& loop) : loop_(loop) { static_cast<void>(connect()); }
 
+  // A helper ends itself when nobody has needed it for a while. A request of that very moment is one for the next
+  // helper, which the second call starts; unless somebody has asked for something else since.
   void setSleepDisabled(const SleepRequest& request, SleepAnswered answered) override {
-    auto message = newCall(HelperIdentity::kSetSleepDisabledMember);
-    if (message) {
-      sd_bus_message_append(message->get(), "bd", request.disabled ? 1 : 0, request.maxDuration.count());
-      // Lets the authorisation service ask the user instead of refusing at once.
-      sd_bus_message_set_allow_interactive_authorization(message->get(), 1);
-    }
-    send<SleepReply>(std::move(message), kRequestTimeout, std::move(answered), [](sd_bus_message* reply) {
-      int ok = 0;
-      const char* text = nullptr;
-      const bool read = sd_bus_message_read(reply, "bs", &ok, &text) > 0;
-      return read ? HelperAnswer<SleepReply>({.ok = ok != 0, .message = text}) : tl::make_unexpected(unreadable());
-    });
+    const auto number = ++lastRequest_;
+    if (!request.disabled) return ask(request, std::move(answered));
+    const auto again = [this, request, answered, number, asked = bootClockNow()](const auto& answer) {
+      const bool gone = !answer && answer.error().kind == HelperProblemKind::unreachable;
+      const bool wanted = number == lastRequest_ && bootClockNow() - asked < kAskAgainWithin;
+      if (gone && wanted) return ask(request, answered);
+      answered(answer);
+    };
+    ask(request, again);
   }
 
   void heartbeat(HeartbeatAnswered answered) override {
@@ -82,6 +84,21 @@ class BusHelperClient : public HelperClient {
   void onPresence(std::function<void(HelperPresence)> changed) override { changed_ = std::move(changed); }
 
  private:
+  void ask(const SleepRequest& request, SleepAnswered answered) {
+    auto message = newCall(HelperIdentity::kSetSleepDisabledMember);
+    if (message) {
+      sd_bus_message_append(message->get(), "bd", request.disabled ? 1 : 0, request.maxDuration.count());
+      // Lets the authorisation service ask the user instead of refusing at once.
+      sd_bus_message_set_allow_interactive_authorization(message->get(), 1);
+    }
+    send<SleepReply>(std::move(message), kRequestTimeout, std::move(answered), [](sd_bus_message* reply) {
+      int ok = 0;
+      const char* text = nullptr;
+      const bool read = sd_bus_message_read(reply, "bs", &ok, &text) > 0;
+      return read ? HelperAnswer<SleepReply>({.ok = ok != 0, .message = text}) : tl::make_unexpected(unreadable());
+    });
+  }
+
   /// Connects where there is no open connection; a bus that went away is tried again at each call.
   Outcome connect() {
     if (bus_ && sd_bus_is_open(bus_->get()) > 0) return {};
@@ -168,6 +185,7 @@ class BusHelperClient : public HelperClient {
   EventLoop& loop_;
   std::function<void(HelperPresence)> changed_;
   std::uint64_t lastCall_ = 0;
+  std::uint64_t lastRequest_ = 0;
   std::shared_ptr<int> alive_ = std::make_shared<int>();
   // A closed connection stays until the next one closes: its last answers may be on their way through it.
   std::unique_ptr<BusConnection> retired_;

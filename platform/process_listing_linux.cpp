@@ -198,7 +198,8 @@ class Listing {
         if (held[at]) owners.give(*held[at], processes_[order[begin + at]]);
       }
     }
-    unownedListeners_ = static_cast<int>(owners.left());
+    // Of a part of the processes alone, the others' sockets are none that could not be found.
+    if (candidates.size() == processes_.size()) unownedListeners_ = static_cast<int>(owners.left());
   }
 
   void readPrograms(const std::vector<Index>& indices) {

@@ -36,7 +36,8 @@ struct ProcessListing {
   /// In ascending order of start, so that parents come before their children; kernel threads and processes that have
   /// ended but not been waited for are left out.
   std::vector<ProcessFacts> processes;
-  /// Listening sockets whose process was not found: it belongs to another user, or hides.
+  /// Listening sockets whose process was not found: it belongs to another user, or hides. 0 where only the agents and
+  /// what is below them were looked at.
   int unownedListeners = 0;
 };
 

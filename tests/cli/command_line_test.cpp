@@ -43,7 +43,7 @@ TEST(CommandLine, ShowsItsHelpAsARemarkWhenNothingIsAsked) {
 TEST(CommandLine, ShowsHelpAndVersionAsResults) {
   EXPECT_EQ(ran({"--help"}), (Ran{0, overallHelp(kAll), ""}));
   EXPECT_EQ(ran({"-h"}), (Ran{0, overallHelp(kAll), ""}));
-  EXPECT_EQ(ran({"--version"}), (Ran{0, "brindle 1.0.0\n", ""}));
+  EXPECT_EQ(ran({"--version"}), (Ran{0, "brindle 1.3.0\n", ""}));
   EXPECT_EQ(ran({"sleep", "--help"}), (Ran{0, commandHelp(SampleCommands::kVerbed), ""}));
   EXPECT_EQ(ran({"--version", "x"}), (Ran{2, "", "brindle: --version: unexpected argument \"x\"\n"}));
   EXPECT_EQ(ran({"--help", "x"}), (Ran{2, "", "brindle: --help: unexpected argument \"x\"\n"}));

@@ -59,7 +59,7 @@ TEST(HelpText, LeavesOutWhatACommandDoesNotHave) {
             "  -h, --help  shows this help\n");
 }
 
-TEST(HelpText, NamesTheVersion) { EXPECT_EQ(versionText(), "brindle 1.0.0"); }
+TEST(HelpText, NamesTheVersion) { EXPECT_EQ(versionText(), "brindle 1.3.0"); }
 
 }  // namespace
 }  // namespace brindle

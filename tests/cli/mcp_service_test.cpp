@@ -109,6 +109,50 @@ TEST_F(MCPServiceTest, AFiledRequestCarriesTargetTimeAndACleanedBoundedNote) {
   EXPECT_EQ(pending[0].note->size(), kNoteLimit + 6);  // three bullets are nine bytes
 }
 
+TEST_F(MCPServiceTest, AskingAgainWhileARequestWaitsAnswersItsId) {
+  call(R"({"name":"request_quit","arguments":{"pid":510}})");
+  const auto pending = MCPQuitInbox(folder.path()).pending();
+  ASSERT_EQ(pending.size(), 1u);
+  EXPECT_NE(call(R"({"name":"request_quit","arguments":{"pid":510}})").find(pending[0].id), std::string::npos);
+  EXPECT_EQ(MCPQuitInbox(folder.path()).pending(), pending);
+}
+
+TEST_F(MCPServiceTest, ARequestForAnotherUsersProcessIsRefusedAndNotFiled) {
+  const std::string reply = call(R"({"name":"request_quit","arguments":{"pid":700}})");
+  EXPECT_NE(reply.find("Owned by another user."), std::string::npos) << reply;
+  EXPECT_NE(reply.find("\"isError\":false"), std::string::npos) << reply;
+  EXPECT_EQ(MCPQuitInbox(folder.path()).pending().size(), 0u);
+}
+
+TEST_F(MCPServiceTest, ARuleOfTheUserCountsAtTheNextCallAndForSessionsToo) {
+  const auto verdictOf = [&](const std::string& arguments) {
+    call(R"({"name":"safety","arguments":)" + arguments + "}");
+    return logged().back().result;
+  };
+  EXPECT_EQ(verdictOf(R"({"pid":510})"), "askFirst");
+  EXPECT_EQ(verdictOf(R"({"sessionPid":500})"), "askFirst");
+  writeRaw(folder.file("settings.json"), R"({"protect":{"names":["node","claude"]}})");
+  EXPECT_EQ(verdictOf(R"({"pid":510})"), "leaveAlone");
+  EXPECT_EQ(verdictOf(R"({"sessionPid":500})"), "leaveAlone");
+}
+
+TEST_F(MCPServiceTest, ALongNameOfAToolIsLoggedCut) {
+  call(R"({"name":")" + std::string(kLoggedToolLimit + 1, 'x') + "\"}");
+  EXPECT_EQ(logged().back().tool, std::string(kLoggedToolLimit, 'x'));
+  call(R"({"name":")" + std::string(kLoggedToolLimit, 'y') + "\"}");
+  EXPECT_EQ(logged().back().tool, std::string(kLoggedToolLimit, 'y'));
+}
+
+TEST_F(MCPServiceTest, NamesThatOthersChooseAreCleanedInEveryAnswer) {
+  source.processes[1].name = "no\x1b[31mde\x07";
+  for (const char* params : {R"({"name":"safety","arguments":{"pid":510}})", R"({"name":"ports"})"}) {
+    const std::string reply = call(params);
+    EXPECT_EQ(reply.find("u001b"), std::string::npos) << reply;
+    EXPECT_EQ(reply.find("u0007"), std::string::npos) << reply;
+    EXPECT_NE(reply.find("node"), std::string::npos) << reply;
+  }
+}
+
 TEST_F(MCPServiceTest, TheHeartbeatTellsWhetherTheApplicationRuns) {
   ASSERT_TRUE(MCPHeartbeat::write(folder.path(), kNow));
   const std::string request = R"({"name":"request_quit","arguments":{"pid":510}})";

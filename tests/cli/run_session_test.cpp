@@ -148,16 +148,23 @@ TEST_F(RunSessionTest, PassesOnWhatAProcessSends) {
 }
 
 TEST_F(RunSessionTest, LetsGoWhenItIsInterruptedBeforeTheCommandRuns) {
-  client.onCall = nullptr;
-  sigemptyset(&recorded.context.signals.blocked);
-  loop.post([] { ::raise(SIGTERM); });
-  loop.post([this] {
-    client.onCall = [this] { loop.post([this] { client.sleepPending.back()(SleepReply{true, "Sleep on"}); }); };
-  });
-  const RunResult result = runHeld(loop, {.client = client, .timer = timer, .gate = gate},
-                                   {.words = {"/bin/sh", "-c", "exit 0"}, .duration = Seconds{3600}}, recorded.context);
-  EXPECT_EQ(result, (RunResult{.code = 143}));
-  EXPECT_EQ(client.calls, kHeldAndLetGo);
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    (void)std::signal(number, SIG_DFL);  // what is ignored is not watched
+    client.calls.clear();
+    client.sleepPending.clear();
+    client.onCall = nullptr;
+    sigemptyset(&recorded.context.signals.blocked);
+    EventLoop turn = *EventLoop::create();
+    turn.post([number] { ::raise(number); });
+    turn.post([&] {
+      client.onCall = [&] { turn.post([this] { client.sleepPending.back()(SleepReply{true, "Sleep on"}); }); };
+    });
+    const RunResult result =
+        runHeld(turn, {.client = client, .timer = timer, .gate = gate},
+                {.words = {"/bin/sh", "-c", "exit 0"}, .duration = Seconds{3600}}, recorded.context);
+    EXPECT_EQ(result, (RunResult{.code = 128 + number}));
+    EXPECT_EQ(client.calls, kHeldAndLetGo);
+  }
 }
 
 }  // namespace

@@ -1,10 +1,14 @@
 #include "cli/stop_list.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+#include <csignal>
 
 #include "cli/stop_runner.h"
 #include "logic/reports/idle_stop.h"
+#include "platform/process_source.h"
 #include "tests/cli/recorded_context.h"
 
 namespace brindle {
@@ -119,6 +123,38 @@ TEST(StopIdle, FollowsThePlan) {
   EXPECT_EQ(shown(stopIdle(host, plan, kNobody)), (Rows{"50 first", "51 - x"}));
 }
 
+TEST(StopIdle, HasItsOwnWordsWhenEverythingIsLeftAlone) {
+  const HostSnapshot host = snapshot({process(51, 1)});
+  const IdlePlan plan{.skipped = {{.pid = 51, .protectedReason = "x"}}};
+  EXPECT_EQ(stopIdle(host, plan, kNobody).summary(), "Nothing idle to stop.");
+  EXPECT_EQ(stopIdle(host, {}, kNobody).summary(), "Nothing idle to stop.");
+}
+
+/// Two processes, the first below nothing, that hold the ports 5173, 3000 and 80, one of them twice.
+HostSnapshot withPorts() {
+  TrackedProcess root = process(10, 1);
+  root.ports = {5173, 3000};
+  TrackedProcess child = process(11, 10);
+  child.ports = {80, 3000};
+  return snapshot({root, child});
+}
+
+TEST(StopTree, NamesPortsOnceInTheOrderOfItsMembers) {
+  EXPECT_EQ(stopTree(withPorts(), {.root = 10}, kNobody).summary(),
+            "Stopping these frees 2.0 MB and ports 5173, 3000, 80.");
+}
+
+TEST(StopIdle, NamesPortsOnceAscendingAsTheIdleDocumentDoes) {
+  const IdlePlan plan{.stop = {{.pid = 10}, {.pid = 11}}};
+  EXPECT_EQ(stopIdle(withPorts(), plan, kNobody).summary(), "Stopping these frees 2.0 MB and ports 80, 3000, 5173.");
+}
+
+TEST(StopList, CountsNothingOfWhatIsLeftAlone) {
+  HostSnapshot host = withPorts();
+  host.protectionRules.ports = {80};
+  EXPECT_EQ(stopTree(host, {.root = 10}, kNobody).summary(), "Stopping these frees 1.0 MB and ports 5173, 3000.");
+}
+
 struct RunStopTest : testing::Test {
   int run(std::map<std::string, std::string, std::less<>> options) {
     return runStop(list, Arguments{.options = std::move(options)}, recorded.context);
@@ -128,7 +164,7 @@ struct RunStopTest : testing::Test {
 };
 
 TEST_F(RunStopTest, WithoutATerminalNothingIsStoppedAndTheWayIsNamed) {
-  EXPECT_EQ(run({}), 2);
+  EXPECT_EQ(run({}), 1);
   EXPECT_NE(recorded.results.text.find("Stopping these frees"), std::string::npos);
   EXPECT_NE(recorded.remarks.text.find("--yes"), std::string::npos);
 }
@@ -144,10 +180,39 @@ TEST_F(RunStopTest, NothingToStopIsANegativeAnswer) {
   EXPECT_EQ(recorded.results.text, "Nothing to stop.\n");
 }
 
-TEST_F(RunStopTest, ProcessesThatAreGoneCountAsDone) {
+TEST_F(RunStopTest, ShowsWhatIsLeftAloneAndWhyAlsoWhenNothingIsStopped) {
+  for (StopItem& item : list.items) item.leftAlone = "Protected by your rule";
+  EXPECT_EQ(run({{"--yes", ""}}), 1);
+  EXPECT_NE(recorded.results.text.find("Protected by your rule"), std::string::npos);
+  EXPECT_NE(recorded.results.text.find("\nNothing to stop.\n"), std::string::npos);
+}
+
+TEST_F(RunStopTest, WhenEverythingHadEndedAlreadyTheAnswerIsNegative) {
   for (StopItem& item : list.items) item.pid = 0x7FFFFFF0 + item.pid % 10;
-  EXPECT_EQ(run({{"--yes", ""}}), 0);
+  EXPECT_EQ(run({{"--yes", ""}}), 1);
   EXPECT_NE(recorded.results.text.find("had ended already"), std::string::npos);
+  EXPECT_NE(recorded.remarks.text.find("nothing was stopped"), std::string::npos);
+}
+
+TEST_F(RunStopTest, WhatHadEndedBesideWhatWasStoppedIsNoFailure) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    // Other tests of this program change both.
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::signal(SIGTERM, SIG_DFL);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    for (;;) ::pause();
+  }
+  ASSERT_GT(child, 0);
+  list.items[0].pid = child;
+  list.items[0].startTime = startStampOf(child).value_or(0);
+  list.items[1].pid = 0x7FFFFFF0;
+  EXPECT_EQ(run({{"--yes", ""}}), 0);
+  EXPECT_NE(recorded.results.text.find(": stopped\n"), std::string::npos) << recorded.results.text;
+  EXPECT_NE(recorded.results.text.find(": had ended already\n"), std::string::npos) << recorded.results.text;
+  ::kill(child, SIGKILL);
+  EXPECT_EQ(::waitpid(child, nullptr, 0), child);
 }
 
 TEST(OwnChain, HoldsThisProcessAndItsParent) {

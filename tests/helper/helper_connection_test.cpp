@@ -76,6 +76,15 @@ TEST(HelperConnections, LosingOneWhileSleepIsOnRunsNothing) {
   EXPECT_THAT(daemon.sleepSwitch.runs, IsEmpty());
 }
 
+TEST(HelperConnections, AreCountedWhenAcceptReturns) {
+  TestDaemon daemon;
+  daemon.started();
+  daemon.accept(1);
+  EXPECT_EQ(daemon.queue.waiting(), 0U);
+  daemon.tickAfter(1000);
+  EXPECT_EQ(daemon.exit.idleExits, 0);
+}
+
 TEST(HelperConnections, EndOnTheQueueNotInTheCall) {
   TestDaemon daemon;
   daemon.started();

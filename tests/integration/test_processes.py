@@ -50,6 +50,18 @@ class Sessions(ProcessCase):
         self.assertEqual(self.listener(port)["project"], "shop")
 
 
+class Watching(ProcessCase):
+    def test_watching_repeats_the_document_and_ends_quietly_when_its_reader_goes(self):
+        with subprocess.Popen([BRINDLE, "status", "--json", "--watch", "0.2"], env=self.environment,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True) as watcher:
+            ends = 0
+            while ends < 2:
+                ends += watcher.stdout.readline() == "}\n"
+            watcher.stdout.close()
+            self.assertEqual(watcher.wait(timeout=20), 0)
+            self.assertEqual(watcher.stderr.read(), "")
+
+
 class LeftBehind(ProcessCase):
     def killed_agent_with_server(self, variables, name="claude"):
         port = free_port()
@@ -155,7 +167,7 @@ class Stopping(ProcessCase):
         )
         server = self.pid_from("server")
         wait_until(lambda: is_listening(port), "the server")
-        refused = self.brindle("quit", str(agent.pid), code=2)
+        refused = self.brindle("quit", str(agent.pid), code=1)
         self.assertIn("--yes", refused.stderr)
         self.assertIsNone(agent.poll())
         self.brindle("quit", str(agent.pid), "--yes", code=0)
@@ -182,6 +194,33 @@ class Stopping(ProcessCase):
         self.assertEqual((self.folder / "code").read_text().strip(), "1")
         self.assertIn("Runs this command", (self.folder / "out").read_text())
         self.assertIsNone(agent.poll())
+
+    def stop_at_a_terminal(self, port, answer):
+        """The exit code of `stop :PORT` and what it asked, with `answer` typed at a terminal of its own."""
+        controller, terminal = os.openpty()
+        self.addCleanup(os.close, controller)
+        process = subprocess.Popen([BRINDLE, "stop", f":{port}"], env=self.environment, stdin=terminal, stderr=terminal,
+                                   stdout=subprocess.DEVNULL)
+        os.close(terminal)
+        asked = b""
+        while b"[y/N]" not in asked:
+            asked += os.read(controller, 1024)
+        os.write(controller, answer)
+        return process.wait(timeout=20), asked.decode()
+
+    def test_only_who_agrees_at_the_terminal_stops_a_process(self):
+        port = free_port()
+        self.agent(self.server_line(port, "server"), name="bash-stand-in")
+        self.pid_from("server")
+        wait_until(lambda: is_listening(port), "the server")
+        for answer in (b"n\n", b"\n", b"yes please\n"):
+            code, asked = self.stop_at_a_terminal(port, answer)
+            self.assertEqual(code, 1, answer)
+            self.assertIn("Stop 1 process?", asked)
+            self.assertTrue(is_listening(port), answer)
+        code, _ = self.stop_at_a_terminal(port, b"Y\n")
+        self.assertEqual(code, 0)
+        self.assertFalse(is_listening(port))
 
     def test_targets_that_are_not_there_are_a_negative_answer(self):
         self.brindle("stop", f":{free_port()}", "--yes", code=1)

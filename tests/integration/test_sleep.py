@@ -1,8 +1,10 @@
 """`brindle sleep off`, `on` and `status` over a real bus and login manager."""
 
 import os
+import pathlib
 import signal
 import subprocess
+import sys
 
 import private_system
 from command_case import NO_HELPER, CommandCase
@@ -185,6 +187,47 @@ class StartedByTheBus(CommandCase):
         first.wait_line("asking again soon")
         self.start_off()
         wait_until(lambda: sum("Sleep is off" in line for line in first.lines) == 2, "the first one holds again")
+
+
+class EndingHelper(CommandCase):
+    starts_helper = False
+
+    def start_ending(self, too_early):
+        script = pathlib.Path(__file__).with_name("ending_helper.py")
+        ending = self.system.start([sys.executable, "-B", script, self.system.helper_name, self.system.object_path,
+                                    self.system.interface, str(too_early)])
+        ending.wait_line("^ready$")
+        return ending
+
+    def test_a_request_in_the_moment_of_the_idle_exit_is_made_again(self):
+        ending = self.start_ending(1)
+        process = self.start("sleep", "off")
+        process.wait_line("^Sleep is off for 4h")
+        self.assertEqual(ending.lines, ["ready", "asked off", "asked off"])
+        process.signal(signal.SIGINT)
+        self.assertEqual(process.wait(), 130)
+        self.assertEqual(process.lines[1:], ["Sleep is on."])
+
+    def test_a_helper_that_keeps_ending_is_asked_twice_and_no_more(self):
+        ending = self.start_ending(9)
+        self.assert_one_line(self.brindle("sleep", "off"), 2, "^brindle: no helper to talk to: ask again$")
+        self.assertEqual(ending.lines, ["ready", "asked off", "asked off"])
+
+    def test_a_request_that_was_withdrawn_meanwhile_is_not_made_again(self):
+        ending = self.start_ending("late")
+        process = self.start("sleep", "off")
+        ending.wait_line("^asked off$")
+        process.signal(signal.SIGINT)
+        self.assertEqual(process.wait(), 130)
+        # What is asked now comes behind everything that the first one has asked.
+        self.brindle("sleep", "on")
+        wait_until(lambda: ending.lines.count("asked on") == 2, "the second one has asked")
+        self.assertEqual(ending.lines, ["ready", "asked off", "asked on", "asked on"])
+
+    def test_letting_go_is_asked_for_once(self):
+        ending = self.start_ending(9)
+        self.assertEqual(self.brindle("sleep", "on").returncode, 2)
+        self.assertEqual(ending.lines, ["ready", "asked on"])
 
 
 class NoHelper(CommandCase):

@@ -124,6 +124,23 @@ TEST(SafetyInput, KnowsSessionsByEitherPid) {
   }
 }
 
+TEST(SafetyInput, LeavesASessionAloneThatARuleOfTheUserProtects) {
+  const HostSnapshot host = snapshot({agent(11, 1), agent(12, 11)}, {.names = {"claude"}});
+  for (const SafetyTarget& target : {SafetyTarget{.pid = 11}, SafetyTarget{.sessionPid = 11}}) {
+    const MCPSafetyVerdict verdict = SafetyGate::decide(safetyInput(host, target));
+    EXPECT_EQ(verdict.verdict, SafetyGate::kLeaveAlone);
+    EXPECT_EQ(verdict.reason, "Protected by your rule. Brindle will not stop it.");
+  }
+}
+
+TEST(SafetyInput, NeverAsksForAnAgentInsideAnothersSession) {
+  const HostSnapshot host = snapshot({agent(11, 1), agent(12, 11)});
+  const MCPSafetyVerdict verdict = SafetyGate::decide(safetyInput(host, {.pid = 12}));
+  EXPECT_EQ(verdict.verdict, SafetyGate::kLeaveAlone);
+  EXPECT_EQ(verdict.reason, "Protected by default: AI agents. Brindle will not stop it.");
+  EXPECT_EQ(safetyInput(host, {.sessionPid = 12}), SafetyGate::Input{});
+}
+
 TEST(SafetyInput, SaysWhoOwnsWhatIsProtected) {
   TrackedProcess other = process(12, 1, "node");
   other.uid = 0;

@@ -110,6 +110,15 @@ TEST(PowerJudge, TellsTheFirstVerdictAndThenEachChange) {
   EXPECT_EQ(judge.judge(onBattery(25)), (PowerVerdict{true, ""}));
 }
 
+TEST(PowerJudge, GoesByTheGivenFloor) {
+  PowerJudge judge(35);
+  EXPECT_TRUE(judge.judge(onBattery(36))->mayHold);
+  EXPECT_EQ(judge.judge(onBattery(35)),
+            (PowerVerdict{false, "the battery is at 35%, holding again above 39% or on power"}));
+  EXPECT_EQ(judge.judge(onBattery(39)), std::nullopt);
+  EXPECT_EQ(judge.judge(onBattery(40)), (PowerVerdict{true, ""}));
+}
+
 TEST(PowerJudge, ComingOffBatteryAllowsAtOnce) {
   PowerJudge judge(20);
   EXPECT_FALSE(judge.judge(onBattery(5))->mayHold);

@@ -137,6 +137,11 @@ TEST(ProcessSource, ProcessesThatEndedAreNotListed) {
   EXPECT_EQ(find(*listProcesses({::geteuid(), ListingDetail::agents}), child.pid()), nullptr);
 }
 
+TEST(ProcessSource, ListenersOutsideTheAgentsAreNotTakenForLostOnes) {
+  const Listener listener;
+  EXPECT_EQ(listProcesses({::geteuid(), ListingDetail::agents})->unownedListeners, 0);
+}
+
 TEST(ProcessSource, TheBootHasAnId) { EXPECT_EQ(bootId().size(), 36U); }
 
 TEST(SocketTable, BothWaysSeeTheSameListener) {
