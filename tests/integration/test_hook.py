@@ -1,6 +1,8 @@
 """`brindle hook` and `brindle notify` as agents run them."""
 import fcntl
 import os
+import re
+import shutil
 import signal
 import subprocess
 import time
@@ -180,6 +182,18 @@ class Silence(HookCase):
         self.assertGreater(len(content), 1000)
         self.assertLess(content.count(b"\n"), 200)
         self.assertTrue(content.endswith(b"}\n"))
+
+
+class Start(HookCase):
+    @unittest.skipUnless(shutil.which("readelf"), "readelf is not installed")
+    def test_no_library_is_loaded_that_the_hook_never_asks_for(self):
+        listed = subprocess.run(["readelf", "-d", self.program], stdout=subprocess.PIPE, check=True).stdout.decode()
+        needed = re.findall(r"\(NEEDED\).*\[(.*)\]", listed)
+        self.assertTrue(any(name.startswith("libc.so") for name in needed), needed)
+        if any(name.startswith(("libasan", "libtsan")) for name in needed):
+            self.skipTest("built with a sanitizer, and linked otherwise")
+        self.assertFalse([name for name in needed if name.startswith("libsystemd")],
+                         "system/late_libsystemd_linux.cpp lacks a function")
 
 
 class Patience(HookCase):
