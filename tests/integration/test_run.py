@@ -93,6 +93,7 @@ class Run(CommandCase):
         process = self.start_run(UNTIL_CLOSED)
         self.restart_helper()
         self.system.wait_lock(True)
+        process.wait_line("^brindle: sleep is off again$")
         process.popen.stdin.close()
         self.assertEqual(process.wait(), 5)
         self.assertEqual(process.lines[1:], ["brindle: sleep is on, asking again soon: the helper has ended",
