@@ -36,4 +36,7 @@ if(BRINDLE_TESTS)
   endforeach()
   add_subdirectory("${BRINDLE_RAPIDCHECK_SOURCE}" "${CMAKE_BINARY_DIR}/rapidcheck" EXCLUDE_FROM_ALL)
   target_include_directories(rapidcheck INTERFACE "${BRINDLE_RAPIDCHECK_SOURCE}/extras/gtest/include")
+  # Its headers are not held to this tree's warnings.
+  get_target_property(rapidcheck_headers rapidcheck INTERFACE_INCLUDE_DIRECTORIES)
+  set_target_properties(rapidcheck PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${rapidcheck_headers}")
 endif()

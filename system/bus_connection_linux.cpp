@@ -64,7 +64,7 @@ Result<BusMessage> BusConnection::newCall(const BusMember& member) const {
 }
 
 BusResult<BusMessage> BusConnection::call(sd_bus_message* message, Seconds timeout) const {
-  sd_bus_error error = SD_BUS_ERROR_NULL;
+  sd_bus_error error = {};
   sd_bus_message* reply = nullptr;
   const int code = sd_bus_call(bus_.get(), message, microseconds(timeout), &error, &reply);
   if (code >= 0) return BusMessage(reply);
