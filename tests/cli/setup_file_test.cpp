@@ -112,7 +112,7 @@ TEST_F(SetupFileTest, LeavesALinkToNothingAlone) {
 }
 
 TEST_F(SetupFileTest, KeepsPermissions) {
-  for (const mode_t mode : {0644, 0600, 0640}) {
+  for (const mode_t mode : {0644U, 0600U, 0640U}) {
     writeRaw(path, "theirs\n");
     ASSERT_EQ(::chmod(path.c_str(), mode), 0);
     ASSERT_EQ(apply(), "");
