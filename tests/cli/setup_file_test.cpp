@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
+
 #include "tests/base/store_support.h"
 #include "tests/base/temporary_folder.h"
 
@@ -112,7 +114,7 @@ TEST_F(SetupFileTest, LeavesALinkToNothingAlone) {
 }
 
 TEST_F(SetupFileTest, KeepsPermissions) {
-  for (const mode_t mode : {0644U, 0600U, 0640U}) {
+  for (const mode_t mode : std::initializer_list<mode_t>{0644, 0600, 0640}) {
     writeRaw(path, "theirs\n");
     ASSERT_EQ(::chmod(path.c_str(), mode), 0);
     ASSERT_EQ(apply(), "");

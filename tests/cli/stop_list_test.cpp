@@ -199,7 +199,7 @@ TEST_F(RunStopTest, WhatHadEndedBesideWhatWasStoppedIsNoFailure) {
   if (child == 0) {
     // Other tests of this program change both.
     sigset_t none;
-    ::sigemptyset(&none);
+    sigemptyset(&none);  // a macro on macOS
     ::signal(SIGTERM, SIG_DFL);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
     for (;;) ::pause();
