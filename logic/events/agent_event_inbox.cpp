@@ -15,6 +15,15 @@
 namespace brindle {
 namespace {
 
+// A writer that is killed inside its write leaves a piece of its line (the kernel may cut a write between two pages):
+// the next line must not continue it, or it would be lost with it.
+bool endsInsideALine(const std::string& path, off_t size) {
+  if (size <= 0) return false;
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+  char last = '\n';
+  return file && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
+}
+
 // Afresh or at the end. Only the open may fail; a write that comes up short is taken back, so that the next line does
 // not continue a torn one.
 Outcome writeLine(const std::string& path, std::string_view line, bool afresh) {
@@ -22,8 +31,9 @@ Outcome writeLine(const std::string& path, std::string_view line, bool afresh) {
   const Descriptor file(::open(path.c_str(), mode, 0600));
   if (!file) return fail(kFileWriteNoPermission, "open " + path);
   const off_t before = ::lseek(file.get(), 0, SEEK_END);
-  const ssize_t written = ::write(file.get(), line.data(), line.size());
-  const bool whole = written == static_cast<ssize_t>(line.size());
+  const std::string bytes = (endsInsideALine(path, before) ? "\n" : "") + std::string(line);
+  const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
+  const bool whole = written == static_cast<ssize_t>(bytes.size());
   if (!whole && before >= 0) {
     if (::ftruncate(file.get(), before) != 0) return {};  // nothing more can be done, and nothing is to be reported
   }

@@ -62,10 +62,13 @@ class Owners(HookCase):
         return process, process.stdout.readline().decode().strip()
 
     def test_event_and_records_name_the_agent_that_started_the_hook(self):
+        # From a file: a shell that writes the payload would be one more child for a moment.
+        payload = self.state.parent / "payload.json"
+        payload.write_text(STOP)
         agent, child = self.run_agent(
             "claude", f"""/bin/sleep 600 &
             child=$!
-            sh -c 'echo "$1" | "$BRINDLE" hook; :' - '{STOP}'
+            sh -c '"$BRINDLE" hook < "$1"; :' - '{payload}'
             echo $child
             read line
             kill $child""")

@@ -124,6 +124,13 @@ TEST_F(AgentEventInboxStore, ALastLineWithoutLineFeedIsRead) {
   EXPECT_EQ(inbox.drain(kNow), std::vector{event("a")});
 }
 
+TEST_F(AgentEventInboxStore, AnEventAfterThePieceOfAKilledWriterIsNotLostWithIt) {
+  writeRaw(eventsFile(), agentEventLine(event("a")) + "{\"id\":\"b\",\"ti");
+  ASSERT_TRUE(inbox.append(event("c")));
+  ASSERT_TRUE(inbox.append(event("d")));
+  EXPECT_EQ(inbox.drain(kNow), (std::vector{event("a"), event("c"), event("d")}));
+}
+
 TEST_F(AgentEventInboxStore, AFileAtTheLimitIsAppendedTo) {
   for (const std::size_t size : {262'143u, 262'144u}) {
     writeRaw(eventsFile(), std::string(size - 1, 'x') + "\n");
