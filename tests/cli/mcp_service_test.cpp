@@ -6,10 +6,10 @@
 #include <filesystem>
 
 #include "base/json_reader.h"
-#include "cli/settings.h"
 #include "logic/mcp/mcp_heartbeat.h"
 #include "logic/mcp/mcp_quit_inbox.h"
 #include "logic/mcp/mcp_request_log.h"
+#include "platform/settings.h"
 #include "tests/base/store_support.h"
 #include "tests/base/temporary_folder.h"
 

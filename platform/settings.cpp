@@ -1,4 +1,4 @@
-#include "cli/settings.h"
+#include "platform/settings.h"
 
 #include <cerrno>
 #include <filesystem>
