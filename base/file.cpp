@@ -10,24 +10,28 @@
 
 #include "base/descriptor.h"
 #include "base/file_writing.h"
-#include "base/uuid.h"
+#include "base/stale_temporary.h"
 
 namespace brindle {
 namespace {
 
 constexpr std::size_t kReadChunk = std::size_t{64} << 10;
 
-/// Opens a fresh file, writes and flushes it, and gives it its name; 0 or an errno value.
+/// Opens a fresh file, writes and flushes it, gives it its name and sweeps; 0 or an errno value.
 int writeAndRename(const std::string& temporary, const std::string& path, std::string_view bytes) {
   Descriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode));
   if (!file) return errno;
   int code = writeAll(file, bytes);
+  // The clock that the temporary files of others are measured by, too.
+  struct stat written {};
+  if (code == 0 && ::fstat(file.get(), &written) != 0) code = errno;
   // Without it a crash of the machine can leave the new name with none of its bytes; an empty file has none to lose.
   if (code == 0 && !bytes.empty() && ::fsync(file.get()) != 0 && errno != EINVAL) code = errno;
   // Some file systems report a full disk only here.
   if (::close(file.release()) != 0 && code == 0 && errno != EINTR) code = errno;
   if (code == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) code = errno;
   if (code != 0) ::unlink(temporary.c_str());
+  if (code == 0) removeStaleTemporaries(path, written.st_mtime);
   return code;
 }
 
@@ -56,7 +60,7 @@ Result<std::string> readFile(const std::string& path, std::size_t limit) {
 }
 
 Outcome replaceFile(const std::string& path, std::string_view bytes) {
-  const int code = writeAndRename(path + "." + randomUuidText() + ".tmp", path, bytes);
+  const int code = writeAndRename(temporaryPathFor(path), path, bytes);
   if (code != 0) return writeFailure(code, "replace " + path);
   return {};
 }

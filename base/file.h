@@ -15,7 +15,7 @@ namespace brindle {
 [[nodiscard]] Result<std::string> readFile(const std::string& path, std::size_t limit);
 
 /// Replaces the file in one step: a reader sees the old bytes or the new, never a mixture, and on failure the old
-/// file stays whole and no temporary file stays behind.
+/// file stays whole and no temporary file stays behind. What earlier replacements left that were killed is removed.
 Outcome replaceFile(const std::string& path, std::string_view bytes);
 
 /// Creates the folder and its missing parents with mode 0700; success when it is there. Refused with
