@@ -20,7 +20,7 @@ namespace {
 constexpr Date kNow = dateFromSeconds(1'772'352'000);
 constexpr std::size_t kWriters = 16;
 constexpr std::size_t kEventsEach = 2000;
-constexpr std::size_t kIdSpace = 400'000;
+constexpr std::size_t kIdSpace = 8'000'000;
 
 std::size_t numberOf(const std::string& id) {
   const auto number = integerFromText(id);
@@ -81,7 +81,7 @@ TEST(AgentEventInboxStress, SixteenWritersAndADrainerLoseAndDoubleNothing) {
   EXPECT_EQ(folder.entries(), 2u);
 }
 
-TEST(AgentEventInboxStress, KilledWritersTearNoLineAndLoseNothingThatWasAppended) {
+TEST(AgentEventInboxStress, KilledWritersLoseNothingThatWasAppended) {
   TemporaryFolder folder;
   const AgentEventInbox inbox(folder.path());
   const std::string file = folder.file("agent-events.jsonl");
@@ -102,18 +102,18 @@ TEST(AgentEventInboxStress, KilledWritersTearNoLineAndLoseNothingThatWasAppended
   std::vector<std::uint32_t> seen(kIdSpace + 1);
   int kills = 0;
   const auto end = std::chrono::steady_clock::now() + stressSpan();
-  while (std::chrono::steady_clock::now() < end) {
+  while (std::chrono::steady_clock::now() < end && next[0] < kIdSpace / 2) {
     pause(std::chrono::microseconds(random() % 4000));
     pid_t& victim = writers[random() % writers.size()];
-    killAndReap(victim);
+    ASSERT_TRUE(killAndReap(victim)) << "it had given up";
     ++kills;
     victim = startChild(write);
     for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
   }
-  for (const pid_t writer : writers) killAndReap(writer);
+  for (const pid_t writer : writers) EXPECT_TRUE(killAndReap(writer));
+  // Since the last drain nobody but these and the last victim can have left a piece of a line.
   const std::string rest = contentOf(file);
-  EXPECT_TRUE(rest.empty() || rest.back() == '\n');
-  EXPECT_EQ(readAgentEventLines(rest).size(), nonEmptyLines(rest).size()) << "a torn line";
+  EXPECT_LE(nonEmptyLines(rest).size() - readAgentEventLines(rest).size(), writers.size() + 1) << "torn lines";
   for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
   EXPECT_GT(kills, 20);
   EXPECT_EQ(seen[kIdSpace], 0u);
@@ -126,43 +126,75 @@ TEST(AgentEventInboxStress, KilledWritersTearNoLineAndLoseNothingThatWasAppended
   EXPECT_GT(total, 100u);
 }
 
-TEST(AgentEventInboxStress, KilledDrainersDoubleNothingAndLeaveTheLockFree) {
+// What drainers tell the test: who has been seen, and whether one holds lines that it has taken out and not yet told
+// of.
+struct Drained {
+  SharedCounters seen{kIdSpace + 1};
+  SharedCounters busy{1};
+  SharedCounters drains{1};
+
+  void drainForEver(const AgentEventInbox& inbox) {
+    while (true) {
+      busy[0] = 1;
+      for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
+      busy[0] = 0;
+      ++drains[0];
+    }
+  }
+
+  // One writer at a time, so that what one drain takes out are events in a row: the runs of events that were appended
+  // and never seen.
+  std::size_t lostRuns(SharedCounters& appended) {
+    std::size_t runs = 0;
+    bool inRun = false;
+    for (std::size_t number = 0; number < kIdSpace; ++number) {
+      EXPECT_LE(seen[number].load(), 1u) << number;
+      if (seen[number] == 0 && appended[number] == 0) continue;
+      const bool lost = seen[number] == 0;
+      if (lost && !inRun) ++runs;
+      inRun = lost;
+    }
+    return runs;
+  }
+};
+
+TEST(AgentEventInboxStress, KilledDrainersDoubleNothingAndLoseOnlyWhatTheyHadTakenOut) {
   TemporaryFolder folder;
   const AgentEventInbox inbox(folder.path());
   const std::string file = folder.file("agent-events.jsonl");
-  SharedCounters seen(kIdSpace + 1);
-  SharedCounters drains(1);
-  const auto drainForEver = [&] {
-    while (true) {
-      for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
-      ++drains[0];
+  Drained drained;
+  SharedCounters appended(kIdSpace);
+  SharedCounters next(1);
+  const auto write = [&] {
+    for (std::size_t number = next[0]++; number < kIdSpace; number = next[0]++) {
+      appendPaced(inbox, file, number);
+      appended[number] = 1;
     }
   };
-  const pid_t writer = startChild([&] {
-    for (std::size_t number = 0; number < kIdSpace; ++number) appendPaced(inbox, file, number);
-  });
+  pid_t writer = startChild(write);
   std::mt19937 random(11);
-  int kills = 0;
+  std::size_t kills = 0;
+  std::size_t busyKills = 0;
   const auto end = std::chrono::steady_clock::now() + stressSpan();
-  while (std::chrono::steady_clock::now() < end) {
-    const pid_t drainer = startChild(drainForEver);
+  while (std::chrono::steady_clock::now() < end && next[0] < kIdSpace / 2) {
+    const pid_t drainer = startChild([&] { drained.drainForEver(inbox); });
     // Every fourth one lives long enough to drain, also on a slow machine.
     pause(std::chrono::microseconds(random() % (kills % 4 == 0 ? 80'000 : 8'000)));
-    killAndReap(drainer);
-    ++kills;
+    ASSERT_TRUE(killAndReap(drainer)) << "it had given up";
+    busyKills += drained.busy[0].exchange(0);
+    if (++kills % 3 != 0) continue;
+    ASSERT_TRUE(killAndReap(writer)) << "it had given up";
+    writer = startChild(write);
   }
-  killAndReap(writer);
-  for (const AgentEvent& drained : inbox.drain(kNow)) ++seen[numberOf(drained.id)];
-  EXPECT_GT(kills, 20);
-  EXPECT_GT(drains[0].load(), 0u);
-  EXPECT_EQ(seen[kIdSpace].load(), 0u);
-  std::size_t total = 0;
-  for (std::size_t number = 0; number < kIdSpace; ++number) {
-    ASSERT_LE(seen[number].load(), 1u) << number;
-    total += seen[number];
-  }
-  EXPECT_GT(total, 100u);
+  EXPECT_TRUE(killAndReap(writer));
+  for (const AgentEvent& rest : inbox.drain(kNow)) ++drained.seen[numberOf(rest.id)];
+  EXPECT_GT(kills, 20u);
+  EXPECT_GT(drained.drains[0].load(), 0u);
+  EXPECT_EQ(drained.seen[kIdSpace].load(), 0u);
+  EXPECT_LE(drained.lostRuns(appended), busyKills);
+  EXPECT_GT(next[0].load(), 100u);
   EXPECT_TRUE(inbox.append(event(1)));
+  EXPECT_EQ(modeOf(file), 0600);
 }
 
 }  // namespace
