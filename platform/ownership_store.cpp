@@ -8,6 +8,7 @@
 
 #include "base/file.h"
 #include "base/file_lock.h"
+#include "base/line_file.h"
 
 namespace brindle {
 namespace {
@@ -56,7 +57,7 @@ Outcome OwnershipStore::add(const std::vector<OwnershipRecord>& records) const {
   }
   if (lines.empty()) return {};
   if (fileSize(path_).value_or(0) + lines.size() > kOwnershipFileLimit) return fail(EFBIG, "add to " + path_);
-  return appendToFile(path_, lines);
+  return appendLines(path_, lines);
 }
 
 Outcome OwnershipStore::clean(const std::string& boot, const IsAlive& isAlive, std::size_t fromSize) const {
