@@ -320,7 +320,8 @@ class ClientProcess(Process):
     def ask(self, request, seconds=WAIT_SECONDS):
         """"off SECONDS", "on", "heartbeat", "status" or "exit"; the reply as a line of text. "burst COUNT" sends that
         many heartbeats without waiting, and then one whose reply it waits for; "crowd COUNT" sends each of the former
-        over a connection of its own."""
+        over a connection of its own. "forge RECEIVER NAME" tells the receiver alone, as if it were the bus, that the name
+        has gone, and then sends a heartbeat."""
         already = len(self.lines)
         self.popen.stdin.write(request + "\n")
         self.popen.stdin.flush()
@@ -347,6 +348,13 @@ def run_client(address, name, path, interface):
                 crowd[-1].send_message(message)
                 crowd[-1].get_unix_user(name)  # answered only after the bus has passed the heartbeat on
             word = "heartbeat"
+        if word == "forge":
+            receiver, gone = rest
+            message = dbus.lowlevel.SignalMessage("/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged")
+            message.set_destination(receiver)
+            message.append(gone, gone, "", signature="sss")
+            connection.send_message(message)
+            word, rest = "heartbeat", []
         member, signature, *arguments = calls[word]
         try:
             reply = connection.call_blocking(name, path, interface, member, signature,

@@ -41,6 +41,16 @@ class Strangers(DaemonCase):
         self.assertTrue(client.heartbeat())
         self.assert_held()
 
+    def test_end_nobodys_hold_by_saying_that_its_client_is_gone(self):
+        client = self.client()
+        self.hold(client)
+        stranger = self.client_process(NOBODY)
+        helper = self.system.owner(self.system.helper_name)
+        self.assertEqual(stranger.ask(f"forge {helper} {client.unique_name}"), self.refusal, "it came after the signal")
+        self.assertTrue(client.heartbeat())
+        self.assert_held()
+        self.assertEqual(self.log_count("connectionLost"), 0)
+
     def test_are_admitted_when_polkit_authorises_them(self):
         self.start_polkit('if (subject.user == "nobody") return polkit.Result.YES;')
         stranger = self.client_process(NOBODY)
