@@ -42,15 +42,6 @@ const sd_bus_vtable kMethods[] = {
 
 bool isStatus(sd_bus_message* call) { return sd_bus_message_get_member(call) == HelperIdentity::kStatusMember; }
 
-// Who has gone from the bus is told to everybody, so a signal for us alone that tells it is a lie: the bus checks the
-// sender of what it spreads, but carries any user's signal to a single receiver, and libsystemd would believe it.
-int dropForgedSignal(sd_bus_message* message, void*, sd_bus_error*) {
-  if (sd_bus_message_is_signal(message, nullptr, nullptr) <= 0) return 0;
-  if (sd_bus_message_get_destination(message) == nullptr) return 0;
-  const char* sender = sd_bus_message_get_sender(message);
-  return sender != nullptr && std::string_view(sender) == "org.freedesktop.DBus" ? 0 : 1;
-}
-
 void refuse(sd_bus_message* call) {
   sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "not authorised for %s",
                              HelperIdentity::kPolkitAction.data());
@@ -64,10 +55,6 @@ BusService::~BusService() = default;
 Outcome BusService::publish(std::shared_ptr<Helper> helper) {
   helper_ = std::move(helper);
   sd_bus_slot* slot = nullptr;
-  if (const int code = sd_bus_add_filter(bus_.get(), &slot, dropForgedSignal, nullptr); code < 0) {
-    return fail(-code, "filter what comes over the bus");
-  }
-  filter_.reset(slot);
   const int code = sd_bus_add_object_vtable(bus_.get(), &slot, HelperIdentity::kObjectPath.data(),
                                             HelperIdentity::kInterface.data(), kMethods, this);
   if (code < 0) return fail(-code, "put the helper on the bus");

@@ -71,7 +71,6 @@ class BusService final : public ProcessExit {
   std::uint64_t lastConnection_ = 0;
   std::size_t unanswered_ = 0;
   bool leaving_ = false;
-  BusSlot filter_;
   BusSlot object_;
   BusSlot release_;
 };

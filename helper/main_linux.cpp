@@ -22,20 +22,29 @@ int failed(const std::string& message) {
   return 1;
 }
 
+Outcome guard(BusConnection& bus, EventLoop& loop) {
+  if (auto filtered = bus.dropForgedSignals(); !filtered) return filtered;
+  // Without the bus there are no clients and no way to hear of any: end, and the lock goes with the process.
+  sd_bus_set_exit_on_disconnect(bus.get(), true);
+  return bus.attach(loop);
+}
+
 int run() {
   auto loop = EventLoop::create();
   if (!loop) return failed(loop.error().message());
-  auto bus = BusConnection::openSystem();
+  // Two connections, because a lock is a descriptor, and strangers must not be able to send any.
+  auto loginBus = BusConnection::openSystem();
+  if (!loginBus) return failed(loginBus.error().message());
+  auto bus = BusConnection::openWithoutDescriptors(*loginBus);
   if (!bus) return failed(bus.error().message());
-  if (const auto attached = bus->attach(*loop); !attached) return failed(attached.error().message());
-  // Without the bus there are no clients and no way to hear of any: end, and the lock goes with the process.
-  sd_bus_set_exit_on_disconnect(bus->get(), true);
+  if (const auto guarded = guard(*loginBus, *loop); !guarded) return failed(guarded.error().message());
+  if (const auto guarded = guard(*bus, *loop); !guarded) return failed(guarded.error().message());
 
   JournalLog log;
   LoopQueue queue(*loop);
-  LogindInhibitor inhibitor(*bus);
+  LogindInhibitor inhibitor(*loginBus);
   LogindSwitch sleepSwitch(inhibitor, log);
-  LogindWatch watch(*bus, *loop, sleepSwitch);
+  LogindWatch watch(*loginBus, *loop, sleepSwitch);
   BusService service(*bus, *loop);
   const auto helper =
       Helper::create({.queue = queue, .sleepSwitch = sleepSwitch, .log = log, .exit = service, .now = [] {

@@ -1,12 +1,16 @@
 """Who may use the helper. All of it needs root, who alone can be other people."""
 
+import pathlib
+import resource
 import signal
+import sys
 import unittest
 
 import private_system
 from daemon_case import DaemonCase
 from private_system import NOBODY
 
+FLOOD = pathlib.Path(__file__).with_name("descriptor_flood.py")
 REFUSAL = "error org.freedesktop.DBus.Error.AccessDenied not authorised for {}.disable-sleep"
 
 
@@ -123,6 +127,21 @@ class Strangers(DaemonCase):
         modest.popen.stdin.flush()
         polkit.signal(signal.SIGCONT)
         modest.wait_line("^0$")
+
+    def test_cannot_fill_the_daemons_table_of_open_files(self):
+        self.start_polkit("return polkit.Result.YES;")
+        self.system.processes[-1].signal(signal.SIGSTOP)
+        client = self.client()
+        self.hold(client)
+        limit, _ = resource.prlimit(self.helper.pid, resource.RLIMIT_NOFILE)
+        resource.prlimit(self.helper.pid, resource.RLIMIT_NOFILE, (128, 128))
+        self.assertGreater(limit, 128, "a limit as low as this one is no test")
+        flood = self.system.start([sys.executable, "-B", FLOOD, self.system.address, self.system.helper_name,
+                                   self.system.object_path, self.system.interface], user=NOBODY)
+        self.assertEqual(flood.wait(), 0, flood.lines)
+        self.assertEqual(flood.lines, ["sent 16 calls with 16 descriptors each"])
+        self.assertTrue(client.heartbeat())
+        self.assert_held()
 
     def test_leave_room_for_others_while_many_of_them_wait(self):
         limit = "error org.freedesktop.DBus.Error.LimitsExceeded too many clients"
