@@ -75,8 +75,9 @@ void Helper::terminate() {
   seams_.queue.sync([this] {
     seams_.log.event("SIGTERM, turning sleep back on");
     restoreSleep(RevertReason::uninstall);
+    // Still on the queue: a request that waits behind this must not switch sleep off again before the process is gone.
+    seams_.exit.exitAfterTermination();
   });
-  seams_.exit.exitAfterTermination();
 }
 
 SleepReply Helper::answer(const SleepRequest& request) {

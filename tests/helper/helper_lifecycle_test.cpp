@@ -209,6 +209,15 @@ TEST(HelperTermination, SwitchesSleepBackOnOnceAndEnds) {
   EXPECT_EQ(daemon.exit.idleExits, 0);
 }
 
+TEST(HelperTermination, LeavesNoMomentInWhichAWaitingRequestCouldSwitchSleepOffAgain) {
+  TestDaemon daemon;
+  daemon.started();
+  bool insideAtExit = false;
+  daemon.exit.duringTermination = [&] { insideAtExit = daemon.queue.isInside(); };
+  daemon.helper->terminate();
+  EXPECT_TRUE(insideAtExit) << "the queue went on between the switch and the end of the process";
+}
+
 TEST(HelperTermination, RunsTheSwitchAlsoWhileSleepIsOn) {
   TestDaemon daemon;
   daemon.started();
