@@ -27,9 +27,11 @@ namespace brindle {
 /// Clients that are known at once. Watching one takes a match rule, of which a system bus gives each connection 512 by
 /// default; one too many would cost the helper its own connection, and every client the hold.
 inline constexpr std::size_t kMaxBusClients = 384;
-/// Clients that are not admitted yet, so that strangers whom polkit has still to judge leave room for others. Root and
-/// the helper's own user, who are admitted at once, are not held up by it.
+/// Clients that are not admitted yet, so that strangers whom polkit has still to judge leave room for others: of all
+/// users, and of one user, who may let polkit's question lie. Root and the helper's own user, who are admitted at
+/// once, are not held up by it.
 inline constexpr std::size_t kMaxUnadmittedClients = 64;
+inline constexpr std::size_t kMaxUnadmittedOfUser = 16;
 /// Calls of one client that wait for its admission.
 inline constexpr std::size_t kMaxWaitingCalls = 16;
 
@@ -53,7 +55,8 @@ class BusService final : public ProcessExit {
 
  private:
   struct Client;
-  [[nodiscard]] std::size_t unadmittedClients() const;
+  [[nodiscard]] bool hasRoomFor(std::optional<uid_t> user) const;
+  int receiveFirst(const std::string& name, sd_bus_message* call, sd_bus_error* error);
   [[nodiscard]] Client* addClient(const std::string& name);
   void clientVanished(const std::string& name);
   void admissionAnswered(const std::string& name, bool admitted);

@@ -1,6 +1,7 @@
 """Who may use the helper. All of it needs root, who alone can be other people."""
 
 import pathlib
+import pwd
 import resource
 import signal
 import sys
@@ -12,6 +13,13 @@ from private_system import NOBODY
 
 FLOOD = pathlib.Path(__file__).with_name("descriptor_flood.py")
 REFUSAL = "error org.freedesktop.DBus.Error.AccessDenied not authorised for {}.disable-sleep"
+
+
+def other_users(count):
+    """That many users who are not root; the bus knows nobody whom the system does not know."""
+    users = sorted({entry.pw_uid for entry in pwd.getpwall()} - {0})[:count]
+    assert len(users) == count, users
+    return users
 
 
 @unittest.skipUnless(private_system.is_root(), "SKIPPED: only root can start a client as somebody else")
@@ -148,13 +156,30 @@ class Strangers(DaemonCase):
         self.start_polkit("return polkit.Result.YES;")
         polkit = self.system.processes[-1]
         polkit.signal(signal.SIGSTOP)
-        crowd = self.client_process(NOBODY)
-        self.assertEqual(crowd.ask("crowd 64"), limit)
+        *users, last = other_users(5)
+        crowds = [self.client_process(user) for user in users]
+        for crowd in crowds:
+            self.assertEqual(crowd.ask("crowd 16"), limit, "sixteen of one user")
+        late = self.client_process(last)
+        self.assertEqual(late.ask("heartbeat"), limit, "sixty-four of all users")
         trusted = self.client()
         self.hold(trusted)
         trusted.set_sleep_disabled(False)
         polkit.signal(signal.SIGCONT)
-        self.wait_until(lambda: crowd.ask("heartbeat") == "0", "there is room again")
+        for client in (*crowds, late):
+            self.wait_until(lambda: client.ask("heartbeat") == "0", "there is room again")
+
+    def test_keep_out_no_other_user_however_many_clients_they_have(self):
+        self.start_polkit("return polkit.Result.YES;")
+        polkit = self.system.processes[-1]
+        polkit.signal(signal.SIGSTOP)
+        crowd, other = map(self.client_process, other_users(2))
+        self.assertRegex(crowd.ask("crowd 64"), "too many clients$")
+        other.popen.stdin.write("off 3600\n")
+        other.popen.stdin.flush()
+        self.wait_until(lambda: self.client().status(), "the helper answers behind it")
+        polkit.signal(signal.SIGCONT)
+        other.wait_line("^1 Sleep disabled$")
 
 
 if __name__ == "__main__":
