@@ -27,7 +27,8 @@ namespace brindle {
 /// The daemon ends itself when it has had no connection, and sleep was not disabled, for strictly longer than this.
 inline constexpr Seconds kIdleExitDelay{120};
 
-/// What the platform gives to Helper. Everything outlives it; `now` reads the wall clock.
+/// What the platform gives to Helper. Everything outlives it; `now` reads the wall clock as OnwardClock tells it, and
+/// is called on the queue, but for the first time before start().
 struct HelperSeams {
   SerialQueue& queue;
   SleepSwitch& sleepSwitch;

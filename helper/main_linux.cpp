@@ -11,6 +11,8 @@
 #include "helper/logind_inhibitor_linux.h"
 #include "helper/logind_switch.h"
 #include "helper/loop_queue.h"
+#include "helper/onward_clock.h"
+#include "system/boot_clock.h"
 #include "system/bus_connection_linux.h"
 #include "system/event_loop.h"
 
@@ -46,10 +48,13 @@ int run() {
   LogindSwitch sleepSwitch(inhibitor, log);
   LogindWatch watch(*loginBus, *loop, sleepSwitch);
   BusService service(*bus, *loop);
-  const auto helper =
-      Helper::create({.queue = queue, .sleepSwitch = sleepSwitch, .log = log, .exit = service, .now = [] {
-                        return Date{std::chrono::system_clock::now()};
-                      }});
+  const auto helper = Helper::create({.queue = queue,
+                                      .sleepSwitch = sleepSwitch,
+                                      .log = log,
+                                      .exit = service,
+                                      .now = [clock = OnwardClock()]() mutable {
+                                        return clock.at(Date{std::chrono::system_clock::now()}, bootClockNow());
+                                      }});
   if (!helper->start()) return failed("start timer: the system gives none");
 
   const auto terminated = loop->onSignal(SIGTERM, [&helper](SignalNote) { helper->terminate(); });

@@ -5,7 +5,7 @@
 
 #include "logic/helper/helper_identity.h"
 #include "platform/bus_problem.h"
-#include "platform/clock.h"
+#include "system/boot_clock.h"
 #include "system/bus_connection_linux.h"
 
 namespace brindle {

@@ -16,6 +16,7 @@
 #include "platform/clock.h"
 #include "platform/directories.h"
 #include "platform/ownership_store.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {
