@@ -15,11 +15,14 @@ class DaemonCase(unittest.TestCase):
     stand_in = False
     activation = False
     starts_helper = True
+    watches_locks = False
 
     def setUp(self):
         self.system = System(activation=self.activation)
         self.addCleanup(self.system.close)
         self.system.start_logind(stand_in=self.stand_in)
+        if self.watches_locks:
+            self.system.watch_locks()
         if self.starts_helper:
             self.helper = self.system.start_helper()
 
@@ -41,6 +44,10 @@ class DaemonCase(unittest.TestCase):
     def assert_not_held(self):
         """No lock, or none any more: the login manager sees a moment after the helper that a descriptor was closed."""
         wait_until(lambda: not self.system.helper_locks(), "no lock of the helper")
+
+    def assert_never_held(self):
+        """No lock was asked for since the start; only where the class watches them. A lock that came and went fails."""
+        self.assertEqual(self.system.lock_requests(), [])
 
     def hold(self, client, seconds=3600.0):
         self.assertEqual(client.set_sleep_disabled(True, seconds), (True, "Sleep disabled"))

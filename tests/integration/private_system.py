@@ -143,6 +143,8 @@ class System:
         self.mounts = []
         self.helper = None
         self.logind = None
+        self._lock_watch = None
+        self._markers = 0
         self._connection = None
         self._start_bus(activation)
 
@@ -269,6 +271,23 @@ class System:
 
     def helper_locks(self):
         return [lock for lock in self.list_inhibitors() if lock.who == LOCK_WHO]
+
+    def watch_locks(self):
+        """From now on lock_requests() tells."""
+        self._lock_watch = self.start([sys.executable, "-B", pathlib.Path(__file__).with_name("lock_watch.py"),
+                                       self.address])
+        self._lock_watch.wait_line("^ready$")
+
+    def lock_requests(self):
+        """Every lock that anybody has asked for since watch_locks(), held or not: what it locks, who, why and how."""
+        import dbus.lowlevel
+        self._markers += 1
+        marker = dbus.lowlevel.SignalMessage("/", "app.brindle.LockWatch", "Marker")
+        marker.append(self._markers, signature="u")
+        self.connection().send_message(marker)
+        self.connection().flush()
+        self._lock_watch.wait_line(f"^marker {self._markers}$")  # it has seen everything before the marker
+        return [line for line in self._lock_watch.lines if line.startswith("lock ")]
 
     def wait_lock(self, held, seconds=WAIT_SECONDS):
         """Waits until the helper's lock is held, or is not; answers how long that took, in seconds."""

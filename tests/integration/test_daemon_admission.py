@@ -24,6 +24,8 @@ def other_users(count):
 
 @unittest.skipUnless(private_system.is_root(), "SKIPPED: only root can start a client as somebody else")
 class Strangers(DaemonCase):
+    watches_locks = True
+
     def setUp(self):
         super().setUp()
         self.refusal = REFUSAL.format(self.system.helper_name)
@@ -41,7 +43,7 @@ class Strangers(DaemonCase):
         for request in ("off 3600", "on", "heartbeat", "status"):
             with self.subTest(request=request):
                 self.assertEqual(stranger.ask(request), self.refusal)
-        self.assert_not_held()
+        self.assert_never_held()
 
     def test_end_nobodys_hold_by_asking_and_leaving(self):
         client = self.client()
@@ -78,13 +80,13 @@ class Strangers(DaemonCase):
         self.start_polkit("return polkit.Result.NO;")
         stranger = self.client_process(NOBODY)
         self.assertEqual(stranger.ask("off 3600"), self.refusal)
-        self.assert_not_held()
+        self.assert_never_held()
 
     def test_are_refused_by_the_shipped_defaults_outside_a_session(self):
         self.start_polkit("return polkit.Result.NOT_HANDLED;")
         stranger = self.client_process(NOBODY)
         self.assertEqual(stranger.ask("off 3600"), self.refusal)
-        self.assert_not_held()
+        self.assert_never_held()
 
     def test_are_asked_about_again_after_a_refusal(self):
         stranger = self.client_process(NOBODY)
@@ -121,7 +123,7 @@ class Strangers(DaemonCase):
         polkit.signal(signal.SIGCONT)
         other = self.client_process(NOBODY)
         self.assertEqual(other.ask("status"), "0 0.0 1", "polkit has answered everything before this")
-        self.assert_not_held()
+        self.assert_never_held()
         self.assertEqual(self.log_count("reason request"), 0)
 
     def test_may_have_sixteen_calls_waiting_and_no_more(self):
