@@ -19,6 +19,9 @@
 namespace brindle {
 namespace {
 
+// A third of the WatchdogSec of the unit, after which the service manager kills a helper that hangs.
+constexpr Seconds kSignOfLifeInterval{20};
+
 int failed(const std::string& message) {
   std::fprintf(stderr, "BrindleHelper: %s\n", message.c_str());
   return 1;
@@ -61,6 +64,8 @@ int run() {
   if (!terminated) return failed(terminated.error().message());
   if (const auto watching = watch.start(); !watching) return failed(watching.error().message());
   if (const auto published = service.publish(helper); !published) return failed(published.error().message());
+  const auto signOfLife = loop->every(kSignOfLifeInterval, [] { sd_notify(0, "WATCHDOG=1"); });
+  if (!signOfLife) return failed(signOfLife.error().message());
   sd_notify(0, "READY=1");
   const int code = loop->run();
   return code == 0 ? 0 : failed(code > 0 ? "the system bus is gone" : "the event loop failed");

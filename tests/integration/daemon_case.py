@@ -1,12 +1,29 @@
 """What the tests of the daemon share: a system with a login manager and the helper, and a few checks."""
 
+import os
+import socket
 import unittest
 
 import dbus
 
-from private_system import Client, ClientProcess, System, wait_until
+from private_system import WAIT_SECONDS, Client, ClientProcess, System, wait_until
 
 INHIBIT = r'Inhibit\("sleep:handle-lid-switch", "Brindle", "Coding agents are working", "block"\)'
+
+
+class Listener:
+    """A datagram socket on which the daemon is expected to speak."""
+
+    def __init__(self, case, path):
+        self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        case.addCleanup(self.socket.close)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        self.socket.bind(path)
+        case.addCleanup(os.unlink, path)
+
+    def receive(self, seconds=WAIT_SECONDS):
+        self.socket.settimeout(seconds)
+        return self.socket.recv(65536).decode()
 
 
 class DaemonCase(unittest.TestCase):
