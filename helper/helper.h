@@ -21,6 +21,7 @@
 #include "helper/sleep_switch.h"
 #include "logic/helper/helper_reply.h"
 #include "logic/helper/helper_revert_policy.h"
+#include "logic/helper/sleep_request.h"
 
 namespace brindle {
 
@@ -35,12 +36,6 @@ struct HelperSeams {
   HelperLog& log;
   ProcessExit& exit;
   std::function<Date()> now;
-};
-
-/// A request to switch sleep off (`disabled`) or on. Any `maxDuration` will do, it is clamped.
-struct SleepRequest {
-  bool disabled = false;
-  Seconds maxDuration{0};
 };
 
 class Helper : public std::enable_shared_from_this<Helper> {
