@@ -5,7 +5,8 @@
 // alone, because a question asked once must not end somebody's hold when the asker goes; and it ends when the name
 // vanishes from the bus. Calls of one client are answered in their order, also while its admission is pending.
 //
-// One thread, the loop's. The connection, the loop and the log outlive the service.
+// One thread, the loop's. The connection and the loop outlive the service. The connection takes no descriptors and
+// drops forged signals.
 #pragma once
 
 #include <cstddef>

@@ -47,7 +47,16 @@ TEST(HelperRequests, RunOnTheQueueNotInTheCall) {
   EXPECT_EQ(replies, 3);
 }
 
-TEST(HelperRequests, AreAnsweredInOrderOfArrivalWithTheTimeOfTheirTurn) {
+TEST(HelperRequests, GoByTheTimeOfTheirTurn) {
+  TestDaemon daemon;
+  daemon.started();
+  daemon.helper->setSleepDisabled({.disabled = true, .maxDuration = Seconds{100}}, [](const SleepReply&) {});
+  daemon.pass(30);  // the queue was busy
+  daemon.queue.runAll();
+  EXPECT_THAT(daemon.status(), ElementsAre(offFor(100)));
+}
+
+TEST(HelperRequests, AreAnsweredInOrderOfArrival) {
   TestDaemon daemon;
   daemon.started();
   std::vector<std::string> order;
