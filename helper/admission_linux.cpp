@@ -38,7 +38,7 @@ std::optional<uid_t> Admission::userOf(sd_bus_message* call) {
 
 bool Admission::trusts(std::optional<uid_t> user) { return user && (*user == 0 || *user == geteuid()); }
 
-BusWatch Admission::ask(sd_bus_message* call, Answer answer) const {
+BusWatch Admission::ask(sd_bus_message* call, const Answer& answer) const {
   auto question = bus_.newCall({.service = "org.freedesktop.PolicyKit1",
                                 .path = "/org/freedesktop/PolicyKit1/Authority",
                                 .interface = "org.freedesktop.PolicyKit1.Authority",

@@ -28,7 +28,7 @@ class Admission {
   /// Asks polkit about the sender of the call and calls `answer` once with what it says: later, but before returning
   /// when it cannot be asked, and never when the returned watch goes first. Without polkit, or when it fails or stays
   /// silent, the answer is no. polkit may ask the user when the call says that it may.
-  [[nodiscard]] BusWatch ask(sd_bus_message* call, Answer answer) const;
+  [[nodiscard]] BusWatch ask(sd_bus_message* call, const Answer& answer) const;
 
  private:
   const BusConnection& bus_;
