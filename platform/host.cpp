@@ -14,6 +14,7 @@
 #include "platform/directories.h"
 #include "platform/ownership_store.h"
 #include "platform/settings.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {
