@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -196,6 +197,34 @@ TEST(ProcessStopper, AReusedPidIsNotTouched) {
   const std::vector<StopTarget> targets{{child.pid(), *startStampOf(child.pid()) - 1, true}};
   EXPECT_EQ(stopProcesses(targets, {.patience = Seconds{1}, .force = true}), std::vector{StopFate::gone});
   EXPECT_TRUE(startStampOf(child.pid()));
+}
+
+/// The fates of `count` children that are stopped under a limit of descriptors.
+std::vector<StopFate> fatesUnder(const rlimit& limit, std::size_t count) {
+  const std::vector<Child> children(count);
+  std::vector<StopTarget> targets;
+  for (const Child& child : children) targets.push_back({child.pid(), *startStampOf(child.pid()), true});
+  rlimit before = {};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+  auto fates = stopProcesses(targets, {.patience = Seconds{20}});
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  return fates;
+}
+
+TEST(ProcessStopper, MoreThanTheUsualLimitOfDescriptorsAreStopped) {
+  rlimit few = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &few), 0);
+  ASSERT_GE(few.rlim_max, 100U);
+  few.rlim_cur = 40;
+  EXPECT_EQ(fatesUnder(few, 60), std::vector(60, StopFate::stopped));
+}
+
+TEST(ProcessStopper, WhatNoDescriptorIsLeftForIsNotSaidToHaveEnded) {
+  if (::geteuid() != 0) GTEST_SKIP() << "skipped: taking a limit back takes root";
+  std::vector<StopFate> expected(60, StopFate::refused);
+  std::ranges::fill_n(expected.begin(), 18, StopFate::stopped);
+  EXPECT_EQ(fatesUnder({.rlim_cur = 40, .rlim_max = 50}, 60), expected);
 }
 
 TEST(ProcessStopper, NeverTouchesItself) {
