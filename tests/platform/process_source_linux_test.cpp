@@ -21,20 +21,22 @@ namespace {
 /// A child that waits until it is signalled; ended and reaped with the value.
 class Child {
  public:
-  explicit Child(bool ignoresTerm = false, const char* name = nullptr) {
+  Child() : Child([] { return true; }) {}
+  /// `prepare` runs in the child first.
+  template <typename Prepare>
+  explicit Child(Prepare&& prepare) {
     int ready[2] = {};
     if (::pipe(ready) != 0) return;
     pid_ = ::fork();
     if (pid_ == 0) {
-      if (ignoresTerm) ::signal(SIGTERM, SIG_IGN);
-      if (name != nullptr) ::prctl(PR_SET_NAME, name);
+      if (!prepare()) ::_exit(1);
       (void)!::write(ready[1], "x", 1);
       for (;;) ::pause();
     }
+    ::close(ready[1]);
     char byte = 0;
     (void)!::read(ready[0], &byte, 1);
     ::close(ready[0]);
-    ::close(ready[1]);
   }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
@@ -104,12 +106,23 @@ TEST(ProcessSource, ASocketSharedWithAChildBelongsToTheParent) {
 
 TEST(ProcessSource, NamesOfAnyBytesAreSeenAsTheyAre) {
   for (const char* name : {"a b) c", "x\ny", "\xff\xfe(", ")"}) {
-    const Child child(false, name);
+    const Child child([name] { return ::prctl(PR_SET_NAME, name) == 0; });
     const std::vector<ProcessFacts> chain = processChain(child.pid());
     ASSERT_FALSE(chain.empty());
     EXPECT_EQ(chain.front().name, name);
     EXPECT_EQ(chain.front().ppid, ::getpid());
   }
+}
+
+TEST(ProcessSource, AProcessThatForbidsToBeTracedIsItsOwnUsers) {
+  // Without rights the files of such a process show the superuser; with them, it takes another user to see that.
+  const uid_t user = ::geteuid() == 0 ? 65534 : ::geteuid();
+  const Child child([user] { return ::setuid(user) == 0 && ::prctl(PR_SET_DUMPABLE, 0) == 0; });
+  const auto listing = listProcesses({::geteuid(), ListingDetail::listeners});
+  ASSERT_TRUE(listing);
+  const ProcessFacts* found = find(*listing, child.pid());
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->uid, user);
 }
 
 TEST(ProcessSource, AChainGoesUpToTheFirstProcess) {
@@ -186,7 +199,7 @@ TEST(ProcessStopper, AsksTheRestAfterTheFirst) {
 }
 
 TEST(ProcessStopper, ForceEndsWhatDoesNotListenAndNothingElseDoes) {
-  const Child stubborn(true);
+  const Child stubborn([] { return ::signal(SIGTERM, SIG_IGN) != SIG_ERR; });
   const std::vector<StopTarget> targets{{stubborn.pid(), *startStampOf(stubborn.pid()), true}};
   EXPECT_EQ(stopProcesses(targets, {.patience = Seconds{0.05}}), std::vector{StopFate::running});
   EXPECT_EQ(stopProcesses(targets, {.patience = Seconds{0.2}, .force = true}), std::vector{StopFate::stopped});
