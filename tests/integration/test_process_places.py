@@ -1,4 +1,4 @@
-"""Reports where a part of the machine cannot be seen, or is another machine in the same one."""
+"""Reports of processes that hide, are of another machine in the same one, or carry whatever bytes they like."""
 
 import os
 import sys
@@ -136,6 +136,90 @@ class Containers(MachineCase):
     def parent_name(self, pid):
         snapshot = self.snapshot_inside()
         return snapshot[snapshot[pid]["ppid"]]["name"]
+
+
+ODD = """
+import ctypes, os, socket, sys, time
+libc = ctypes.CDLL(None)
+PR_SET_NAME = 15
+libc.prctl(PR_SET_NAME, os.fsencode(sys.argv[2]))
+words = list(sys.argv)
+if words[3:] == ["no arguments"]:
+    with open("/proc/self/stat") as file:
+        begin, end = map(int, file.read().rpartition(")")[2].split()[45:47])
+    ctypes.memset(begin, 0, end - begin)
+if words[3:] == ["no folder"]:
+    os.mkdir("gone")
+    os.chdir("gone")
+    os.rmdir(os.getcwd())
+listener = socket.socket()
+listener.bind(("127.0.0.1", int(words[1])))
+listener.listen()
+time.sleep(1000)
+"""
+# By port: the name, and one more argument.
+ODD_PROCESSES = {
+    4100: (b"a b) R 1 (", b"x"),
+    4101: (b"x\ny", b"one\ntwo\r"),
+    4102: (b"\x1b[31mred", b"\x1b]0;title\x07\x1b[2J"),
+    4103: (b"\xff\xfe(", b"\xc3("),
+    4104: (b"\xe2\x80\xaetxt", b"\xe2\x80\x8b\xf3\xa0\x81\x81"),
+    4105: (b"\xc2\x9b31m", b"\xc2\x9b2J"),
+    4106: (b"gone", b"no folder"),
+    4107: (b"bare", b"no arguments"),
+    4108: (b"long", b"y" * 100_000),
+}
+
+
+class OddProcesses(MachineCase):
+    def setUp(self):
+        super().setUp()
+        odd = self.script("odd.py", ODD)
+        lines = [f"{sys.executable} {odd} {port} '".encode() + name + b"' '" + argument + b"' &"
+                 for port, (name, argument) in ODD_PROCESSES.items()]
+        agent = self.folder / "agent.sh"
+        agent.write_bytes(b"\n".join([f"cd {self.project}; echo $$ > {self.folder}/agent".encode(), *lines, b"wait"]))
+        self.machine(f"{self.stand_in('codex')} {agent} &")
+        self.agent = self.pid_from("agent")
+        self.wait_listening(len(ODD_PROCESSES))
+
+    def assert_harmless(self, text):
+        odd = {character for character in text if not (character.isprintable() or character == "\n")}
+        self.assertEqual(odd, set(), text)
+
+    def test_documents_tell_them_as_they_are(self):
+        rows = {row["port"]: row for row in self.document_inside("ports")["listeners"]}
+        self.assertEqual({port: row["name"] for port, row in rows.items()},
+                         {port: name.decode(errors="replace") for port, (name, _) in ODD_PROCESSES.items()})
+        self.assertEqual({row["project"] for row in rows.values()}, {"shop"})
+        snapshot = self.snapshot_inside()
+        for port, (_, argument) in ODD_PROCESSES.items():
+            process = snapshot[rows[port]["pid"]]
+            self.assertEqual((process["ports"], process["ppid"]), ([port], self.agent))
+            if port not in (4107, 4108):
+                self.assertTrue(process["commandLine"].endswith(" " + argument.decode(errors="replace")), process)
+        self.assertEqual(snapshot[rows[4107]["pid"]]["commandLine"], "")
+        self.assertEqual(snapshot[rows[4106]["pid"]]["cwd"], f"{self.project}/gone")
+        self.assertLess(len(snapshot[rows[4108]["pid"]]["commandLine"]), 10_000)
+        session, = self.document_inside("agents")["sessions"]
+        self.assertEqual(session["ports"], sorted(ODD_PROCESSES))
+
+    def test_tables_cannot_steer_the_terminal(self):
+        for words in (("ports",), ("agents",), ("status",), ("idle", "--older-than", "0s"), ("quit", str(self.agent), "--dry-run")):
+            shown = self.brindle_inside(*words)
+            self.assert_harmless(shown.stdout + shown.stderr)
+            if words[0] != "status":
+                self.assertIn("a b) R 1 (", shown.stdout)
+        lines = self.brindle_inside("ports").stdout.splitlines()
+        self.assertEqual(len(lines), 1 + len(ODD_PROCESSES))
+        self.inside("kill", "-KILL", self.agent)
+        wait_until(lambda: self.agent not in self.pids_of_ps(), "the agent's end")
+        ghosts = self.brindle_inside("ghosts")
+        self.assertEqual(len(ghosts.stdout.splitlines()), 1 + len(ODD_PROCESSES))
+        self.assert_harmless(ghosts.stdout)
+        stopped = self.brindle_inside("ghosts", "--stop", "--yes")
+        self.assert_harmless(stopped.stdout)
+        self.assertEqual(stopped.stdout.count(": stopped\n"), len(ODD_PROCESSES))
 
 
 if __name__ == "__main__":
