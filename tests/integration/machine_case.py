@@ -73,15 +73,16 @@ class MachineCase(ProcessCase):
         wait_until(lambda: path.exists() and path.read_text().strip(), pid_file)
         return int(path.read_text())
 
-    def inside(self, *words, user=None, network=None):
-        """Runs a program in the machine, as another user or in the network of one of its processes."""
+    def inside(self, *words, user=None, network=None, typed=""):
+        """Runs a program in the machine, as another user or in the network of one of its processes; `typed` is what it
+        reads."""
         other = ["setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups"] if user else []
         if network:
             other = ["nsenter", f"--net=/proc/{network}/ns/net", *other]
         environment = {**self.environment, "BRINDLE_DATA_DIR": str(self.folder / "nobody")} if user else self.environment
         return subprocess.run(
             ["nsenter", f"--target={self.first}", "--mount", "--net", "--pid", *other, *map(str, words)], env=environment,
-            cwd="/", capture_output=True, text=True, timeout=120, stdin=subprocess.DEVNULL)
+            cwd="/", capture_output=True, text=True, timeout=120, input=typed)
 
     def brindle_inside(self, *words, code=0, **place):
         result = self.inside(self.program, *words, **place)

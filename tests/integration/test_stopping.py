@@ -150,6 +150,35 @@ class Trees(Stopping):
         self.brindle_inside("ghosts", "--stop", "--yes", "--force")
         self.assertEqual(self.alive(stubborn), [])
 
+    def test_what_a_session_has_started_as_another_user_is_left_alone(self):
+        others = self.script("others.sh", "sleep 1001 & echo $! > $1; wait")
+        agent = self.script("agent.sh", f"""
+            sleep 1000 & echo $! > {self.folder}/own
+            setpriv --reuid={NOBODY} --regid={NOBODY} --clear-groups /bin/sh {others} {self.folder}/nobody/below & echo $! > {self.folder}/others
+            echo $$ > {self.folder}/agent
+            wait
+        """)
+        self.machine(f"{self.stand_in('goose')} {agent} &")
+        own, others, below, agent = (self.pid_from(name) for name in ("own", "others", "nobody/below", "agent"))
+        stopped = self.brindle_inside("quit", str(agent), "--yes")
+        for pid in (others, below):
+            self.assertRegex(stopped.stdout, rf"(?m)^ *{pid} .*  Owned by another user  ")
+        self.assertEqual(self.alive(agent, own, others, below), [others, below])
+
+    def test_the_persons_own_rules_hold(self):
+        self.machine(f"{self.serve(4100)} & echo $! > {self.folder}/server")
+        self.wait_listening(1)
+        server = self.pid_from("server")
+        self.state.mkdir(exist_ok=True)
+        (self.state / "settings.json").write_text('{"protect": {"ports": [4100]}}')
+        for words in (("stop", ":4100"), ("stop", str(server)), ("idle", "--older-than", "0s", "--stop")):
+            refused = self.brindle_inside(*words, "--yes", "--force", code=1)
+            self.assertIn("Protected by your rule", refused.stdout)
+            self.assertEqual(self.alive(server), [server])
+        (self.state / "settings.json").write_text('{"protect": {"ports": [4101]}}')
+        self.brindle_inside("stop", ":4100", "--yes")
+        self.assertEqual(self.alive(server), [])
+
     def test_nobody_stops_the_processes_of_others(self):
         self.machine(f"{self.serve(4100)} & echo $! > {self.folder}/server")
         self.wait_listening(1)
