@@ -12,6 +12,7 @@
 #include "inventory/cpu_sample.h"
 #include "platform/clock.h"
 #include "platform/directories.h"
+#include "platform/frontmost.h"
 #include "platform/ownership_store.h"
 #include "platform/settings.h"
 #include "system/boot_clock.h"
@@ -77,7 +78,9 @@ Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuesti
   }
   ProjectFinder projects(homeFolder(environment).value_or(""), manifestText);
   const ProtectionRules protections = protectionRulesOf(environment);
-  const SnapshotContext context{wallClockNow(), user, hostRules(), protections};
+  // Only plans and what is told of protections need it, and those look at everything.
+  const auto frontmost = question.detail == ListingDetail::everything ? frontmostApplication() : std::nullopt;
+  const SnapshotContext context{wallClockNow(), user, hostRules(), protections, frontmost};
   HostSnapshot snapshot = snapshotOf(listing->processes, records, projects, context);
   snapshot.unownedListeners = listing->unownedListeners;
   return snapshot;

@@ -1,5 +1,6 @@
 #include "platform/proc_facts_linux.h"
 
+#include <sys/sysinfo.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,6 +28,11 @@ ProcessFacts factsOfEntry(const ProcFolder::Entry& entry, const Machine& machine
   facts.hasTerminal = entry.stat.terminal != 0;
   facts.cpuSeconds = static_cast<double>(entry.stat.cpuTicks) / machine.ticksPerSecond;
   return facts;
+}
+
+bool swapIsUsed() {
+  struct sysinfo about = {};
+  return ::sysinfo(&about) != 0 || about.totalswap != about.freeswap;
 }
 
 void readProgram(ProcFolder& proc, ProcessFacts& facts) {

@@ -122,6 +122,23 @@ TEST(OwnershipStore, GrowsToItsLimitAndNoFurther) {
   EXPECT_EQ(store.records("b").size(), 2U);
 }
 
+TEST(OwnershipStore, OfMoreThanFitsTheFirstAreAdded) {
+  const TemporaryFolder folder;
+  const OwnershipStore store(folder.path());
+  Records many;
+  std::size_t fitting = 0;
+  std::size_t size = 0;
+  for (std::int32_t pid = 10'000; pid < 20'000; ++pid) {
+    many.push_back(record(pid));
+    size += ownershipLine(many.back()).size();
+    if (size <= kOwnershipFileLimit) ++fitting;
+  }
+  ASSERT_LT(fitting, many.size());
+  EXPECT_EQ(store.add(many).error().code, EFBIG);
+  many.resize(fitting);
+  EXPECT_EQ(store.records("b"), many);
+}
+
 TEST(OwnershipStore, AFileThatIsTooLargeIsReadAsEmptyAndReplaced) {
   const TemporaryFolder folder;
   const OwnershipStore store(folder.path());
