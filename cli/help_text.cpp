@@ -25,10 +25,20 @@ std::string table(const std::vector<Row>& rows) {
   return text;
 }
 
+std::string joinedChoices(std::span<const std::string_view> choices) {
+  std::string text;
+  for (const std::string_view choice : choices) {
+    if (!text.empty()) text += '|';
+    text += choice;
+  }
+  return text;
+}
+
 std::string leftOf(const OptionSpec& option) {
   std::string text(option.name);
   if (option.value.empty()) return text;
-  const std::string value(option.value);
+  std::string value(option.value);
+  if (!option.choices.empty()) value = joinedChoices(option.choices);
   return text + (option.valueOptional ? " [" + value + "]" : " " + value);
 }
 

@@ -64,6 +64,8 @@ constexpr OptionSpec kSnapshotOptions[] = {kSampleOption, kSnapshotOption, kNowO
 int runReport(const Arguments& arguments, CommandContext& context, const ReportKind& kind) {
   const auto [options, problem] = reportOptionsOf(arguments);
   if (!problem.empty()) return wrongUsage(context, problem);
+  const bool clears =
+      options.watch && !options.json && context.terminals.output && context.environment("TERM") != "dumb";
   std::string told;
   for (;;) {
     const ReportSnapshotResult snapshot = snapshotFor(options, kind.detail, context.environment);
@@ -72,10 +74,9 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
       return ExitCode::kFailure;
     }
     const Report report = kind.make(*snapshot, options, context.output);
-    if (options.watch && !options.json && context.terminals.output) context.output.print(kClearScreen);
-    context.output.print(report.text);
+    context.output.print(clears ? std::string(kClearScreen) + report.text : report.text);
     const std::string unseen = options.json ? std::string() : ReportText::unseen(*snapshot);
-    if (!unseen.empty() && unseen != told) context.output.remark(unseen);
+    if (!unseen.empty() && (unseen != told || clears)) context.output.remark(unseen);
     told = unseen;
     // Whoever looks also remembers who started what; a failure costs evidence later, not this report.
     if (!options.snapshotFile && kind.detail != ListingDetail::listeners) {
@@ -89,8 +90,8 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
 
 constinit const Command kStatusCommand = {
     .name = "status",
-    .summary = "one line: what agents run, what they left behind, and what it holds",
-    .usage = "[--json] [--watch [SECONDS]]",
+    .summary = "tells in one line what agents run, what they left behind, and what that holds",
+    .usage = "[--json] [--watch [SECONDS]] [--sample]",
     .options = kReportOptions,
     .run = runStatus};
 

@@ -1,4 +1,4 @@
-// `brindle run [--for DURATION] [--best-effort] -- COMMAND…`.
+// `brindle run [OPTIONS] -- COMMAND…`.
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_code.h"
@@ -25,11 +25,11 @@ RunResult runHere(const RunRequest& request, std::int64_t batteryFloor, CommandC
 }
 
 int runRun(const Arguments& arguments, CommandContext& context) {
-  if (arguments.trailing.empty()) return wrongUsage(context, "run: expected a command");
+  if (arguments.trailing.empty()) return wrongUsage(context, "expected a command");
   const auto [duration, wrong] = holdDuration(arguments.value("--for"));
-  if (!wrong.empty()) return wrongUsage(context, "run: " + wrong);
+  if (!wrong.empty()) return wrongUsage(context, wrong);
   const BatteryFloor floor = batteryFloorOf(arguments.value("--battery-floor"));
-  if (!floor.problem.empty()) return wrongUsage(context, "run: " + floor.problem);
+  if (!floor.problem.empty()) return wrongUsage(context, floor.problem);
   const RunResult result =
       runHere({.words = arguments.trailing, .duration = duration, .bestEffort = arguments.has("--best-effort")},
               floor.percent, context);
@@ -43,7 +43,7 @@ constexpr OptionSpec kOptions[] = {
     {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"},
     {.name = "--battery-floor",
      .value = "PERCENT",
-     .help = "let go at this charge on battery, 5 to 90; 20 when not given"},
+     .help = "lets go at this charge on battery, 5 to 90; 20 when not given"},
     {.name = "--best-effort", .help = "runs COMMAND also when sleep cannot be held off"}};
 
 }  // namespace

@@ -72,10 +72,10 @@ int runSetupCommand(const Arguments& arguments, CommandContext& context) {
   take("--dry-run", SetupAction::dryRun);
   take("--apply", SetupAction::apply);
   take("--undo", SetupAction::undo);
-  if (actions > 1) return wrongUsage(context, "setup: expected one of --dry-run, --apply and --undo");
+  if (actions > 1) return wrongUsage(context, "expected one of --dry-run, --apply and --undo");
   const Result<std::string> program = executablePath();
   if (!program) {
-    context.output.remark("setup: " + program.error().message());
+    context.output.remark(program.error().message());
     return ExitCode::kFailure;
   }
   const SetupMachine machine{

@@ -42,11 +42,11 @@ TEST(HelpText, ShowsEveryFormArgumentAndOptionOfACommand) {
             "  WHAT  what to do\n"
             "\n"
             "Options:\n"
-            "  --for DURATION     how long\n"
-            "  --json             prints the document\n"
-            "  --watch [SECONDS]  repeats\n"
-            "  --framing FRAMING  how messages are framed\n"
-            "  -h, --help         shows this help\n");
+            "  --for DURATION               how long\n"
+            "  --json                       prints the document\n"
+            "  --watch [SECONDS]            repeats\n"
+            "  --framing auto|lines|header  how messages are framed\n"
+            "  -h, --help                   shows this help\n");
 }
 
 TEST(HelpText, LeavesOutWhatACommandDoesNotHave) {
