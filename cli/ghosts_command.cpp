@@ -34,7 +34,7 @@ constinit const Command kGhostsCommand = {
     .summary = "lists what outlived the agent that started it, and stops it",
     .usage = "[--json] [--watch [SECONDS]]\n--stop [--yes] [--force] [--dry-run]",
     .details =
-        "What has only perhaps been left behind is shown and never stopped; nor is what clients are connected to.\n"
+        "What has only perhaps been left behind is shown and never stopped; nor is what clients are connected to. "
         "Exits with 1 when nothing was left behind.",
     .options = kOptions,
     .run = runGhosts};

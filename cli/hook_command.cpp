@@ -45,9 +45,9 @@ constinit const Command kHookCommand = {
     .summary = "takes an event from a Claude Code hook",
     .usage = "[--verbose] < PAYLOAD",
     .details =
-        "Claude Code runs it at its hooks and writes the payload to its standard input; 'brindle setup' puts it\n"
-        "there. It is silent and always ends with 0, because an agent must not stop for it; options that it\n"
-        "does not know, --help included, are passed over.",
+        "Claude Code runs it at its hooks and writes the payload to its standard input; 'brindle setup' puts it "
+        "there. It is silent and always ends with 0, because an agent must not stop for it; options that it "
+        "does not know are passed over. This help shows at a terminal only.",
     .options = kOptions,
     .style = ArgumentStyle::raw,
     .run = runHook};

@@ -103,9 +103,9 @@ constinit const Command kMCPCommand = {
     .summary = "answers coding agents over the Model Context Protocol",
     .usage = "[--framing auto|lines|header]",
     .details =
-        "Agents start it and talk to it on standard input and output. It reports and never stops a process;\n"
-        "a request to quit something waits until a person confirms it. Replies carry a Content-Length header\n"
-        "and a line feed, which clients read past; with 'lines', or when 'auto' meets a client known not to\n"
+        "Agents start it and talk to it on standard input and output. It reports and never stops a process; "
+        "a request to quit something waits until a person confirms it. Replies carry a Content-Length header "
+        "and a line feed, which clients read past; with 'lines', or when 'auto' meets a client known not to "
         "bear the header, they are bare lines. BRINDLE_MCP_FRAMING sets the default. It ends with its input.",
     .options = kOptions,
     .run = runMCP};

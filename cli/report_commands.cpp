@@ -8,12 +8,11 @@
 #include "cli/commands.h"
 #include "cli/exit_code.h"
 #include "cli/report_text.h"
+#include "cli/screen_frame.h"
 #include "logic/reports/cli_reports.h"
 
 namespace brindle {
 namespace {
-
-constexpr std::string_view kClearScreen = "\x1b[H\x1b[2J";
 
 Report statusReport(const HostSnapshot& snapshot, const ReportOptions& options, const Output& output) {
   const StatusDocument document = CLIReports::status(snapshot.report());
@@ -74,7 +73,7 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
       return ExitCode::kFailure;
     }
     const Report report = kind.make(*snapshot, options, context.output);
-    context.output.print(clears ? std::string(kClearScreen) + report.text : report.text);
+    context.output.print(clears ? screenFrame(report.text) : report.text);
     const std::string unseen = options.json ? std::string() : ReportText::unseen(*snapshot);
     if (!unseen.empty() && (unseen != told || clears)) context.output.remark(unseen);
     told = unseen;
@@ -107,7 +106,7 @@ constinit const Command kAgentsCommand = {
     .summary = "lists the agents, what they started and what they left behind",
     .usage = "[--json] [--watch [SECONDS]] [--sample]",
     .details =
-        "CPU figures, and with them the activity, are averages since the last run of up to 10 minutes ago;\n"
+        "CPU figures, and with them the activity, are averages since the last run of up to 10 minutes ago; "
         "--sample measures instead. Exits with 1 when there is no agent and nothing was left behind.",
     .options = kReportOptions,
     .run = runAgents};

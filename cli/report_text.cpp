@@ -16,6 +16,7 @@ using Align = TextTable::Align;
 constexpr std::size_t kNameWidth = 24;
 constexpr std::size_t kOriginWidth = 48;
 constexpr std::size_t kReasonWidth = 40;
+constexpr std::size_t kPortsWidth = 40;
 constexpr std::size_t kCommandWidth = 60;
 
 std::string spanText(std::int64_t seconds) { return ageText(Seconds{static_cast<double>(seconds)}); }
@@ -26,7 +27,7 @@ std::string leftBehindTable(std::string_view heading, const std::vector<LeftBehi
   TextTable table({{"PID", Align::right},
                    {std::string(heading), Align::left, kOriginWidth},
                    {"MEMORY", Align::right},
-                   {"PORTS"},
+                   {"PORTS", Align::left, kPortsWidth},
                    {"COMMAND", Align::left, kCommandWidth}});
   for (const LeftBehindDocument& row : rows) {
     table.add({std::to_string(row.pid), row.origin, ByteText::text(row.memoryBytes), portList(row.ports), row.command});
@@ -88,7 +89,7 @@ std::string agents(const AgentsDocument& document, const HostSnapshot& snapshot,
                    {"ACTIVITY"},
                    {"UP", Align::right},
                    {"MEMORY", Align::right},
-                   {"PORTS"}});
+                   {"PORTS", Align::left, kPortsWidth}});
   for (const AgentSessionDocument& session : document.sessions) {
     table.add({std::to_string(session.pid), session.agent, session.project.value_or(""), session.activity,
                spanText(session.uptimeSeconds), ByteText::text(session.memoryBytes), portList(session.ports)});
@@ -109,7 +110,7 @@ std::string idle(const IdleDocument& document, const Output& output) {
                    {"PROJECT", Align::left, kNameWidth},
                    {"UP", Align::right},
                    {"MEMORY", Align::right},
-                   {"PORTS"},
+                   {"PORTS", Align::left, kPortsWidth},
                    {"LEFT ALONE", Align::left, kReasonWidth}});
   const auto add = [&](const IdleRow& row) {
     table.add({std::to_string(row.pid), row.name, row.project.value_or(""), spanText(row.uptimeSeconds),

@@ -53,9 +53,9 @@ constinit const Command kRunCommand = {
     .summary = "holds system sleep off while a command runs",
     .usage = "[--for DURATION] [--battery-floor PERCENT] [--best-effort] -- COMMAND…",
     .details =
-        "COMMAND keeps its terminal, streams and signals, and its exit status is passed on: 128 and the number\n"
-        "of the signal when one killed it, 127 when there is no such command, 126 when it cannot be executed.\n"
-        "When sleep cannot be held off, COMMAND is not run and the exit status is 2. When the time is over\n"
+        "COMMAND keeps its terminal, streams and signals, and its exit status is passed on: 128 and the number "
+        "of the signal when one killed it, 127 when there is no such command, 126 when it cannot be executed. "
+        "When sleep cannot be held off, COMMAND is not run and the exit status is 2. When the time is over "
         "sleep comes back on and COMMAND goes on.",
     .options = kOptions,
     .style = ArgumentStyle::trailingCommand,

@@ -100,11 +100,13 @@ constinit const Command kSleepCommand = {
     .summary = "switches system sleep off or on, or tells which it is",
     .usage = "off [--for DURATION] [--battery-floor PERCENT]\non\nstatus",
     .details =
-        "'off' holds sleep off as long as it runs, the lid closed or not, and lets go however it ends: after\n"
-        "the time, at Ctrl-C, or killed. Its exit status is 0 when the time is over, 128 and the number of the\n"
-        "signal that interrupted it, and 1 when an earlier hold has used up its time and sleep must be switched\n"
-        "on first. 'on' switches sleep on, whoever holds it off; a holder that goes on asks again within half a\n"
-        "minute. 'status' exits with 0 while sleep is off and with 1 while it is on.",
+        "'off' holds sleep off as long as it runs, the lid closed or not, and lets go however it ends: after "
+        "the time, at Ctrl-C, or killed. Its exit status is 0 when the time is over, 128 and the number of the "
+        "signal that interrupted it, and 1 when an earlier hold has used up its time and sleep must be switched "
+        "on first.\n\n"
+        "'on' switches sleep on, whoever holds it off; a holder that goes on asks again within half a "
+        "minute.\n\n"
+        "'status' exits with 0 while sleep is off and with 1 while it is on.",
     .options = kOptions,
     .arguments = kArguments,
     .run = runSleep};

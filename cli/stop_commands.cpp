@@ -65,8 +65,8 @@ constexpr ArgumentSpec kSessionWord[] = {{.name = "SESSION_PID", .help = "the pi
 constexpr ArgumentSpec kTargetWord[] = {{.name = ":PORT or PID", .help = "who listens on the port, or the process"}};
 
 constexpr std::string_view kStopDetails =
-    "Shows what would be stopped and what is left alone and why, asks, and stops it: the topmost process first,\n"
-    "then what did not follow. Exits with 1 when something still runs or nothing was stopped, also because there\n"
+    "Shows what would be stopped and what is left alone and why, asks, and stops it: the topmost process first, "
+    "then what did not follow. Exits with 1 when something still runs or nothing was stopped, also because there "
     "is no terminal to ask at.";
 
 }  // namespace

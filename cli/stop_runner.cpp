@@ -24,6 +24,7 @@ using Decision = StopConfirm::Decision;
 
 constexpr std::size_t kNameWidth = 24;
 constexpr std::size_t kReasonWidth = 40;
+constexpr std::size_t kPortsWidth = 40;
 constexpr std::size_t kCommandWidth = 50;
 /// The longest answer that is read; more declines.
 constexpr std::size_t kAnswerLimit = 64;
@@ -137,7 +138,7 @@ std::string stopListText(const StopList& list, const Output& output) {
   TextTable table({{"PID", Align::right},
                    {"NAME", Align::left, kNameWidth},
                    {"MEMORY", Align::right},
-                   {"PORTS"},
+                   {"PORTS", Align::left, kPortsWidth},
                    {"LEFT ALONE", Align::left, kReasonWidth},
                    {"COMMAND", Align::left, kCommandWidth}});
   for (const StopItem& item : list.items) {
