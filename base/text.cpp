@@ -73,6 +73,7 @@ bool isWhiteSpace(utf8proc_int32_t value) {
          value == 0x205F || value == 0x3000;
 }
 
+constexpr std::uint32_t kReplacementScalar = 0xFFFD;
 constexpr utf8proc_int32_t kCapitalIWithDot = 0x130;
 constexpr std::string_view kLowerIWithDot = "i\xCC\x87";
 
@@ -148,6 +149,11 @@ std::size_t scalarLength(std::string_view text) {
   if (text.empty()) return 0;
   const Scalar scalar = firstScalar(text);
   return scalar.value < 0 ? 0 : scalar.length;
+}
+
+std::uint32_t scalarValue(std::string_view text) {
+  const utf8proc_int32_t value = text.empty() ? -1 : firstScalar(text).value;
+  return value < 0 ? kReplacementScalar : static_cast<std::uint32_t>(value);
 }
 
 bool isValidUtf8(std::string_view text) {

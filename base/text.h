@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,9 @@ namespace brindle {
 
 /// The bytes of the well-formed UTF-8 scalar at the start of `text`: 1 to 4, or 0 when there is none.
 [[nodiscard]] std::size_t scalarLength(std::string_view text);
+
+/// The value of that scalar; U+FFFD where there is none.
+[[nodiscard]] std::uint32_t scalarValue(std::string_view text);
 
 /// Whether every byte belongs to well-formed UTF-8 (no surrogates, no overlong forms, at most U+10FFFF).
 [[nodiscard]] bool isValidUtf8(std::string_view text);

@@ -58,7 +58,9 @@ std::string status(const StatusDocument& document, const Output& output) {
 }
 
 std::string ports(const PortsDocument& document, const HostSnapshot& snapshot, const Output& output) {
-  if (document.listeners.empty()) return "Nothing listens.\n";
+  if (document.listeners.empty()) {
+    return snapshot.unownedListeners > 0 ? "Nothing that can be seen listens.\n" : "Nothing listens.\n";
+  }
   std::unordered_map<std::int32_t, const TrackedProcess*> byPid;
   for (const TrackedProcess& process : snapshot.processes) byPid.try_emplace(process.pid, &process);
   TextTable table({{"PORT", Align::right},
@@ -135,8 +137,8 @@ std::string unseen(const HostSnapshot& snapshot) {
   }
   if (snapshot.unownedListeners > 0) {
     const auto count = static_cast<std::size_t>(snapshot.unownedListeners);
-    parts.push_back(counted(count, "listening port belongs", "listening ports belong") +
-                    " to a process that cannot be seen");
+    parts.push_back(counted(count, "listening port belongs to a process", "listening ports belong to processes") +
+                    " that cannot be seen");
   }
   return joined(parts, "; ");
 }

@@ -1,23 +1,16 @@
 #include "cli/setup_codex_config.h"
 
-// The parser is header-only and reports errors as values.
-#define TOML_EXCEPTIONS 0
-#define TOML_HEADER_ONLY 1
-#include <toml++/toml.h>
-
 #include <optional>
 #include <vector>
 
 #include "base/json_writer.h"
+#include "inventory/toml_table.h"
 #include "logic/mcp/mcp_config_snippet.h"
 
 namespace brindle {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-/// Brackets nested deeper than settings ever have; the parser recurses into them.
-constexpr int kDepthLimit = 64;
-
 /// A part of ours in the file, between two marker lines that begin with these texts.
 struct Block {
   std::string_view begin;
@@ -26,23 +19,6 @@ struct Block {
 constexpr Block kNotify = {"# >>> brindle notify", "# <<< brindle notify"};
 constexpr Block kServer = {"# >>> brindle mcp", "# <<< brindle mcp"};
 constexpr std::string_view kHint = " >>> 'brindle setup codex --undo' takes these lines away";
-
-bool nestsTooDeep(std::string_view text) {
-  int depth = 0;
-  for (const char each : text) {
-    if (each == '[' || each == '{') ++depth;
-    if ((each == ']' || each == '}') && depth > 0) --depth;
-    if (depth > kDepthLimit) return true;
-  }
-  return false;
-}
-
-std::optional<toml::table> parsed(std::string_view text) {
-  if (nestsTooDeep(text)) return std::nullopt;
-  toml::parse_result document = toml::parse(text);
-  if (!document) return std::nullopt;
-  return std::move(document).table();
-}
 
 std::string lineEndOf(std::string_view text) { return text.find("\r\n") == std::string_view::npos ? "\n" : "\r\n"; }
 
@@ -122,7 +98,7 @@ ServerState serverState(const toml::table& config, std::string_view program) {
 
 void addNotify(EditedText& edited, std::string_view program) {
   const std::string bare = without(edited.text, kNotify);
-  const auto config = parsed(bare);
+  const auto config = parseToml(bare);
   if (!config) return;  // the markers stood elsewhere than around our lines
   const auto ran = notifyOf(*config);
   if (!ran) {
@@ -135,7 +111,7 @@ void addNotify(EditedText& edited, std::string_view program) {
 
 void addServer(EditedText& edited, std::string_view program) {
   const std::string bare = without(edited.text, kServer);
-  const auto config = parsed(bare);
+  const auto config = parseToml(bare);
   if (!config) return;
   switch (serverState(*config, program)) {
     case ServerState::absent:
@@ -154,13 +130,13 @@ void addServer(EditedText& edited, std::string_view program) {
 
 EditedText withCodexParts(std::string_view config, const CodexParts& parts) {
   EditedText edited{.text = std::string(config)};
-  if (!parsed(config)) {
+  if (!parseToml(config)) {
     edited.problem = "not valid TOML";
     return edited;
   }
   addNotify(edited, parts.program);
   if (parts.server) addServer(edited, parts.program);
-  const auto after = parsed(edited.text);
+  const auto after = parseToml(edited.text);
   const auto ran = after ? notifyOf(*after) : std::nullopt;
   if (!after || !ran) return {.text = std::string(config), .problem = "nothing can be added to it as it is written"};
   return edited;
@@ -168,12 +144,12 @@ EditedText withCodexParts(std::string_view config, const CodexParts& parts) {
 
 EditedText withoutCodexParts(std::string_view config, const CodexParts& parts) {
   EditedText edited{.text = std::string(config)};
-  if (!parsed(config)) {
+  if (!parseToml(config)) {
     edited.problem = "not valid TOML";
     return edited;
   }
   std::string bare = without(without(config, kServer), kNotify);
-  const auto after = parsed(bare);
+  const auto after = parseToml(bare);
   if (!after) {
     edited.problem = "without the lines between the markers it would not be valid TOML";
     return edited;
@@ -191,7 +167,7 @@ EditedText withoutCodexParts(std::string_view config, const CodexParts& parts) {
 }
 
 ServerState tomlServerState(std::string_view config, std::string_view program) {
-  const auto table = parsed(config);
+  const auto table = parseToml(config);
   return table ? serverState(*table, program) : ServerState::absent;
 }
 

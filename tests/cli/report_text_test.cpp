@@ -44,6 +44,9 @@ TEST_F(ReportTextTest, PortsShowProjectFrameworkAgeAndReach) {
 TEST_F(ReportTextTest, NoListenersAreALine) {
   const HostSnapshot host = snapshot({});
   EXPECT_EQ(ReportText::ports({}, host, output), "Nothing listens.\n");
+  HostSnapshot others = host;
+  others.unownedListeners = 1;
+  EXPECT_EQ(ReportText::ports({}, others, output), "Nothing that can be seen listens.\n");
   EXPECT_EQ(ReportText::agents({}, host, output), "No agent is running.\n");
   EXPECT_EQ(ReportText::ghosts({}, output), "Nothing was left behind.\n");
 }
@@ -94,7 +97,7 @@ TEST_F(ReportTextTest, WhatCouldNotBeSeenIsSaid) {
   host.unownedListeners = 2;
   EXPECT_EQ(
       ReportText::unseen(host),
-      "1 process of other users could not be inspected; 2 listening ports belong to a process that cannot be seen");
+      "1 process of other users could not be inspected; 2 listening ports belong to processes that cannot be seen");
 }
 
 TEST_F(ReportTextTest, IdleShowsWhatIsKeptAndWhy) {
