@@ -156,6 +156,13 @@ std::uint32_t scalarValue(std::string_view text) {
   return value < 0 ? kReplacementScalar : static_cast<std::uint32_t>(value);
 }
 
+void appendScalar(std::string& text, std::uint32_t scalar) {
+  if (utf8proc_codepoint_valid(static_cast<utf8proc_int32_t>(scalar)) == 0) return;
+  std::array<utf8proc_uint8_t, 4> bytes{};
+  const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(scalar), bytes.data());
+  text.append(reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(length));
+}
+
 bool isValidUtf8(std::string_view text) {
   while (!text.empty()) {
     const std::size_t length = scalarLength(text);

@@ -33,6 +33,9 @@ namespace brindle {
 /// The value of that scalar; U+FFFD where there is none.
 [[nodiscard]] std::uint32_t scalarValue(std::string_view text);
 
+/// Adds the scalar to `text`; nothing for a value that is none.
+void appendScalar(std::string& text, std::uint32_t scalar);
+
 /// Whether every byte belongs to well-formed UTF-8 (no surrogates, no overlong forms, at most U+10FFFF).
 [[nodiscard]] bool isValidUtf8(std::string_view text);
 

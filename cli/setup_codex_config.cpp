@@ -81,8 +81,7 @@ std::optional<Ran> notifyOf(const toml::table& config) {
   if (node == nullptr) return std::nullopt;
   const toml::array* words = node->as_array();
   if (words == nullptr || words->empty()) return Ran{};
-  const auto last = words->back().value<std::string>();
-  return Ran{words->front().value<std::string>().value_or(""), words->size() > 1 && last == "notify"};
+  return Ran{tomlText(words->get(0)).value_or(""), words->size() > 1 && tomlText(&words->back()) == "notify"};
 }
 
 bool isOurs(const Ran& ran, std::string_view program) { return ran.asOurs && isOurProgram(ran.program, program); }
@@ -90,8 +89,8 @@ bool isOurs(const Ran& ran, std::string_view program) { return ran.asOurs && isO
 ServerState serverState(const toml::table& config, std::string_view program) {
   const auto server = config.at_path("mcp_servers.brindle");
   if (!server) return ServerState::absent;
-  const auto command = server.at_path("command").value<std::string>();
-  const auto word = server.at_path("args[0]").value<std::string>();
+  const auto command = tomlText(server.at_path("command").node());
+  const auto word = tomlText(server.at_path("args[0]").node());
   if (!command || word != "mcp" || !isOurProgram(*command, program)) return ServerState::foreign;
   return *command == program ? ServerState::same : ServerState::stale;
 }

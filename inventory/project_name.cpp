@@ -31,7 +31,7 @@ std::optional<std::string> nameInToml(std::string_view text, std::span<const std
   const std::optional<toml::table> document = parseToml(text);
   if (!document) return std::nullopt;
   for (const std::string_view place : places) {
-    if (auto name = named(document->at_path(place).value<std::string>())) return name;
+    if (auto name = named(tomlText(document->at_path(place).node()))) return name;
   }
   return std::nullopt;
 }
