@@ -173,7 +173,12 @@ std::string zshScript(Commands commands) {
          "    esac ;;\n"
          "  esac\n"
          "}\n"
-         "compdef _brindle brindle\n";
+         // As a file of zsh's own path it is read at the first completion, which it then has to answer.
+         "if [[ \"$funcstack[1]\" == _brindle ]]; then\n"
+         "  _brindle \"$@\"\n"
+         "else\n"
+         "  compdef _brindle brindle\n"
+         "fi\n";
 }
 
 std::string fishScript(Commands commands) {
