@@ -11,7 +11,7 @@
 
 namespace brindle {
 
-/// What to tell somebody whose text was refused was expected.
+/// What was expected, for somebody whose text was refused.
 inline constexpr std::string_view kExpectedDuration = "a duration such as 90s, 45m, 4h or 1h30m";
 
 /// The most digits of one number in a duration; more are refused, so that no sum can overflow.

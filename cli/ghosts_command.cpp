@@ -35,7 +35,8 @@ constinit const Command kGhostsCommand = {
     .usage = "[--json] [--watch [SECONDS]]\n--stop [--yes] [--force] [--dry-run]",
     .details =
         "What has only perhaps been left behind is shown and never stopped; nor is what clients are connected to. "
-        "Exits with 1 when nothing was left behind.",
+        "Exits with 1 when nothing was left behind. --stop shows what would be stopped and what is left alone and why, "
+        "asks, and stops it as 'brindle stop' does.",
     .options = kOptions,
     .run = runGhosts};
 

@@ -66,7 +66,10 @@ constinit const Command kIdleCommand = {
     .usage =
         "[--older-than DURATION] [--json] [--watch [SECONDS]]\n"
         "--stop [--older-than DURATION] [--yes] [--force] [--dry-run]",
-    .details = "Exits with 1 when nothing is old enough.",
+    .details =
+        "Exits with 1 when nothing is old enough. --stop shows what would be stopped and what is left alone and why, "
+        "asks, "
+        "and stops it as 'brindle stop' does.",
     .options = kOptions,
     .run = runIdle};
 

@@ -13,12 +13,6 @@ namespace {
 
 using Align = TextTable::Align;
 
-constexpr std::size_t kNameWidth = 24;
-constexpr std::size_t kOriginWidth = 48;
-constexpr std::size_t kReasonWidth = 40;
-constexpr std::size_t kPortsWidth = 40;
-constexpr std::size_t kCommandWidth = 60;
-
 std::string spanText(std::int64_t seconds) { return ageText(Seconds{static_cast<double>(seconds)}); }
 
 std::string leftBehindTable(std::string_view heading, const std::vector<LeftBehindDocument>& rows,

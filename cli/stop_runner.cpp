@@ -22,10 +22,6 @@ namespace {
 using Align = TextTable::Align;
 using Decision = StopConfirm::Decision;
 
-constexpr std::size_t kNameWidth = 24;
-constexpr std::size_t kReasonWidth = 40;
-constexpr std::size_t kPortsWidth = 40;
-constexpr std::size_t kCommandWidth = 50;
 /// The longest answer that is read; more declines.
 constexpr std::size_t kAnswerLimit = 64;
 

@@ -1,9 +1,14 @@
 #include "cli/output.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <cerrno>
 
+#include "base/descriptor.h"
 #include "cli/exit_code.h"
 #include "tests/cli/recorded_context.h"
 
@@ -89,6 +94,21 @@ TEST(Output, WantsColourOnlyOnATerminalThatKnowsItAndWithoutNoColor) {
   EXPECT_FALSE(wantsColour({.terminal = false, .noColor = "", .term = "xterm"}));
   EXPECT_FALSE(wantsColour({.terminal = true, .noColor = "0", .term = "xterm"}));
   EXPECT_FALSE(wantsColour({.terminal = true, .noColor = "", .term = "dumb"}));
+}
+
+TEST(StreamSink, KnowsHowWideItsTerminalIsNowAndThatAFileIsNone) {
+  const Descriptor controller(::posix_openpt(O_RDWR | O_NOCTTY));
+  ASSERT_TRUE(controller && ::grantpt(controller.get()) == 0 && ::unlockpt(controller.get()) == 0);
+  const Descriptor terminal(::open(::ptsname(controller.get()), O_RDWR | O_NOCTTY));
+  ASSERT_TRUE(terminal);
+  const StreamSink sink({terminal.get(), "the terminal"});
+  for (const unsigned short columns : {80, 132, 40}) {
+    const struct winsize size = {.ws_row = 24, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+    ASSERT_EQ(::ioctl(terminal.get(), TIOCSWINSZ, &size), 0);
+    EXPECT_EQ(sink.columns(), columns);
+  }
+  const Descriptor file(::open("/dev/null", O_WRONLY));
+  EXPECT_EQ(StreamSink({file.get(), "a file"}).columns(), 0U);
 }
 
 }  // namespace
