@@ -6,6 +6,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 
 #include "base/descriptor.h"
@@ -102,7 +103,7 @@ TEST(StreamSink, KnowsHowWideItsTerminalIsNowAndThatAFileIsNone) {
   const Descriptor terminal(::open(::ptsname(controller.get()), O_RDWR | O_NOCTTY));
   ASSERT_TRUE(terminal);
   const StreamSink sink({terminal.get(), "the terminal"});
-  for (const unsigned short columns : {80, 132, 40}) {
+  for (const unsigned short columns : std::to_array<unsigned short>({80, 132, 40})) {
     const struct winsize size = {.ws_row = 24, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
     ASSERT_EQ(::ioctl(terminal.get(), TIOCSWINSZ, &size), 0);
     EXPECT_EQ(sink.columns(), columns);
