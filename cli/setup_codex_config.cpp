@@ -36,11 +36,13 @@ std::size_t lineWith(std::string_view text, std::string_view marker, std::size_t
   return std::string_view::npos;
 }
 
-/// `text` without the block. One that ends the file without a line end took the place of a last line without one.
+/// `text` without the block. A marker that begins one and has no end of its own stays: what follows it is not ours. One
+/// that ends the file without a line end took the place of a last line without one.
 std::string without(std::string_view text, const Block& block) {
-  const std::size_t begin = lineWith(text, block.begin, 0);
+  std::size_t begin = lineWith(text, block.begin, 0);
   const std::size_t last = begin == std::string_view::npos ? begin : lineWith(text, block.end, begin);
   if (last == std::string_view::npos) return std::string(text);
+  for (std::size_t next = begin; next < last; next = lineWith(text, block.begin, next + 1)) begin = next;
   const std::size_t lineEnd = text.find('\n', last);
   std::string head(text.substr(0, begin));
   if (lineEnd != std::string_view::npos) return head + std::string(text.substr(lineEnd + 1));
