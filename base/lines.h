@@ -1,6 +1,8 @@
-// The lines of a JSON-Lines file.
+// Texts in pieces: the lines of a JSON-Lines file, and whatever else a separator divides.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +19,14 @@ namespace brindle {
     text.remove_prefix(end + 1);
   }
   return lines;
+}
+
+/// Takes the next piece up to `separator` from `rest`, and the separator with it; all of it where there is none.
+inline std::string_view takePiece(std::string_view& rest, char separator) {
+  const std::size_t end = std::min(rest.find(separator), rest.size());
+  const std::string_view piece = rest.substr(0, end);
+  rest.remove_prefix(std::min(end + 1, rest.size()));
+  return piece;
 }
 
 }  // namespace brindle

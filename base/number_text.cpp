@@ -61,13 +61,7 @@ std::string fixedText(double value, int decimals) {
   return {buffer.data(), end};
 }
 
-std::optional<std::int64_t> integerFromText(std::string_view text) {
-  std::int64_t value = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return value;
-}
+std::optional<std::int64_t> integerFromText(std::string_view text) { return wholeFromText<std::int64_t>(text); }
 
 std::optional<double> doubleFromText(std::string_view text) {
   if (!matchesNumberGrammar(text)) return std::nullopt;

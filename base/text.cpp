@@ -73,6 +73,7 @@ bool isWhiteSpace(utf8proc_int32_t value) {
          value == 0x205F || value == 0x3000;
 }
 
+constexpr std::uint32_t kReplacementScalar = 0xFFFD;
 constexpr utf8proc_int32_t kCapitalIWithDot = 0x130;
 constexpr std::string_view kLowerIWithDot = "i\xCC\x87";
 
@@ -156,6 +157,18 @@ std::size_t scalarLength(std::string_view text) {
   if (text.empty()) return 0;
   const Scalar scalar = firstScalar(text);
   return scalar.value < 0 ? 0 : scalar.length;
+}
+
+std::uint32_t scalarValue(std::string_view text) {
+  const utf8proc_int32_t value = text.empty() ? -1 : firstScalar(text).value;
+  return value < 0 ? kReplacementScalar : static_cast<std::uint32_t>(value);
+}
+
+void appendScalar(std::string& text, std::uint32_t scalar) {
+  if (utf8proc_codepoint_valid(static_cast<utf8proc_int32_t>(scalar)) == 0) return;
+  std::array<utf8proc_uint8_t, 4> bytes{};
+  const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(scalar), bytes.data());
+  text.append(reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(length));
 }
 
 bool isValidUtf8(std::string_view text) {

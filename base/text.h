@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,12 @@ namespace brindle {
 
 /// The bytes of the well-formed UTF-8 scalar at the start of `text`: 1 to 4, or 0 when there is none.
 [[nodiscard]] std::size_t scalarLength(std::string_view text);
+
+/// The value of that scalar; U+FFFD where there is none.
+[[nodiscard]] std::uint32_t scalarValue(std::string_view text);
+
+/// Adds the scalar to `text`; nothing for a value that is none.
+void appendScalar(std::string& text, std::uint32_t scalar);
 
 /// Whether every byte belongs to well-formed UTF-8 (no surrogates, no overlong forms, at most U+10FFFF).
 [[nodiscard]] bool isValidUtf8(std::string_view text);

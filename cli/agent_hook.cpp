@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <charconv>
 #include <csignal>
 #include <exception>
 #include <span>
@@ -19,15 +18,6 @@ namespace brindle {
 namespace {
 
 constexpr const char* kClaudePidVariable = "CLAUDE_PID";
-
-std::optional<std::int32_t> pidFrom(const std::optional<std::string>& text) {
-  if (!text) return std::nullopt;
-  std::int32_t pid = 0;
-  const char* const last = text->data() + text->size();
-  const auto [end, error] = std::from_chars(text->data(), last, pid);
-  if (error != std::errc{} || end != last || pid < 2) return std::nullopt;
-  return pid;
-}
 
 ReportingAgent named(const ProcessFacts& process, AgentKind kind) {
   return {.process = process, .name = std::string(textOf(kind))};
@@ -99,7 +89,7 @@ std::optional<ReportingAgent> reportingAgent(HookOrigin origin, const Environmen
   const std::vector<ProcessFacts> ancestors = processes.chainOf(processes.parent);
   // The variable comes down to whatever Claude Code has started, another agent's hooks included.
   if (origin == HookOrigin::claudeHook) {
-    if (const auto pid = pidFrom(environment(kClaudePidVariable))) {
+    if (const auto pid = ownerPidFrom(environment(kClaudePidVariable).value_or(""))) {
       if (auto agent = agentOfVariable(*pid, ancestors, processes)) return agent;
     }
   }

@@ -49,6 +49,8 @@ struct ArgumentSpec {
   bool repeated = false;
   /// The only words there are; empty when any word is one.
   std::span<const std::string_view> choices = {};
+  /// Completions offer the names of all commands.
+  bool namesCommand = false;
 };
 
 /// How the words after the name of a command are read.

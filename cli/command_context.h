@@ -4,6 +4,8 @@
 // and an environment of two variables.
 #pragma once
 
+#include <string_view>
+
 #include "cli/output.h"
 #include "platform/environment.h"
 #include "platform/foreground_child.h"
@@ -25,6 +27,8 @@ struct CommandContext {
   TerminalStreams terminals;
   /// As the process was started, for the programs it starts.
   InheritedSignals signals = {};
+  /// The command that runs, with which wrong usage is told; empty before one is found.
+  std::string_view command = {};
 };
 
 }  // namespace brindle

@@ -19,8 +19,17 @@ int printVersion(CommandContext& context) {
   return ExitCode::kDone;
 }
 
+/// A command that reads its words itself knows no help, because whoever calls it must not get any; a person who asks
+/// for nothing else, at a terminal, may.
+bool asksRawHelp(const Command& command, const std::vector<std::string>& words, const CommandContext& context) {
+  return command.style == ArgumentStyle::raw && context.terminals.output && words.size() == 1 &&
+         (words[0] == "--help" || words[0] == "-h");
+}
+
 int runCommand(const Command& command, const std::vector<std::string>& words, CommandContext& context) {
+  context.command = command.name;
   ParsedArguments parsed = parseArguments(command, words);
+  if (asksRawHelp(command, words, context)) parsed = HelpAsked{};
   if (const auto* problem = std::get_if<UsageProblem>(&parsed)) return wrongUsage(context, problem->text);
   const auto* arguments = std::get_if<Arguments>(&parsed);
   if (arguments == nullptr) {
@@ -73,7 +82,8 @@ int unknownCommand(std::span<const Command* const> commands, std::string_view na
 }
 
 int wrongUsage(CommandContext& context, std::string_view text) {
-  context.output.remark(text);
+  const std::string prefix = context.command.empty() ? "" : std::string(context.command) + ": ";
+  context.output.remark(prefix + std::string(text));
   return ExitCode::kFailure;
 }
 

@@ -21,7 +21,7 @@ namespace brindle {
 [[nodiscard]] int unknownCommand(std::span<const Command* const> commands, std::string_view name,
                                  CommandContext& context);
 
-/// For commands that find wrong usage themselves: says `text` and answers 2.
+/// For commands that find wrong usage themselves: says "COMMAND: TEXT", and answers 2.
 [[nodiscard]] int wrongUsage(CommandContext& context, std::string_view text);
 
 }  // namespace brindle

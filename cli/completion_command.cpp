@@ -25,7 +25,12 @@ constinit const Command kCompletionCommand = {
     .name = "completion",
     .summary = "prints a completion script for a shell",
     .usage = "bash|zsh|fish",
-    .details = "For bash, put this into ~/.bashrc:\n\n  source <(brindle completion bash)",
+    .details =
+        "For bash put this line into ~/.bashrc, for zsh into ~/.zshrc below 'compinit', for fish into "
+        "~/.config/fish/config.fish:\n\n"
+        "  source <(brindle completion bash)\n"
+        "  source <(brindle completion zsh)\n"
+        "  brindle completion fish | source",
     .arguments = kArguments,
     .run = runCompletion};
 

@@ -1,7 +1,9 @@
 #include "cli/duration_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <span>
 
 namespace brindle {
 
@@ -18,6 +20,25 @@ constexpr bool isDigit(char character) { return character >= '0' && character <=
 
 /// More than any duration that is read or shown, and exact as a double.
 constexpr double kLongestShown = 1e15;
+
+constexpr std::span<const Unit> kHours = std::span(kUnits).subspan(1);
+
+/// With at most `most` of `units`, from the first that is filled.
+std::string written(Seconds duration, std::span<const Unit> units, std::size_t most) {
+  const double seconds = duration.count();
+  if (!(seconds >= 1)) return "0s";
+  auto left = static_cast<std::int64_t>(std::min(seconds, kLongestShown));
+  while (left < units.front().seconds) units = units.subspan(1);
+  std::string text;
+  for (const Unit& unit : units.first(std::min(most, units.size()))) {
+    const std::int64_t count = left / unit.seconds;
+    left %= unit.seconds;
+    if (count == 0) continue;
+    text += std::to_string(count);
+    text += unit.letter;
+  }
+  return text;
+}
 
 }  // namespace
 
@@ -43,20 +64,8 @@ std::optional<Seconds> parseDuration(std::string_view text) {
   return Seconds{static_cast<double>(total)};
 }
 
-std::string durationText(Seconds duration) {
-  const double seconds = duration.count();
-  if (!(seconds >= 1)) return "0s";
-  std::int64_t left = static_cast<std::int64_t>(seconds < kLongestShown ? seconds : kLongestShown);
-  std::string text;
-  for (const Unit& unit : kUnits) {
-    if (unit.letter == 'd') continue;
-    const std::int64_t count = left / unit.seconds;
-    left %= unit.seconds;
-    if (count == 0) continue;
-    text += std::to_string(count);
-    text += unit.letter;
-  }
-  return text;
-}
+std::string durationText(Seconds duration) { return written(duration, kHours, kUnits.size()); }
+
+std::string ageText(Seconds age) { return written(age, kUnits, 2); }
 
 }  // namespace brindle

@@ -20,8 +20,10 @@ int runHelp(const Arguments& arguments, CommandContext& context) {
   return ExitCode::kDone;
 }
 
-constexpr ArgumentSpec kArguments[] = {
-    {.name = "COMMAND", .help = "the command to explain; all of them are listed without it", .required = false}};
+constexpr ArgumentSpec kArguments[] = {{.name = "COMMAND",
+                                        .help = "the command to explain; all of them are listed without it",
+                                        .required = false,
+                                        .namesCommand = true}};
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 
 #include "base/number_text.h"
 #include "cli/duration_text.h"
+#include "cli/usage_text.h"
 #include "logic/helper/lid_sleep_limits.h"
 
 namespace brindle {
@@ -15,12 +16,12 @@ constexpr std::int64_t kHighestBatteryFloor = 90;
 HoldDuration holdDuration(const std::optional<std::string>& text) {
   if (!text) return {.duration = LidSleepLimits::defaultDuration};
   const auto parsed = parseDuration(*text);
-  if (!parsed) return {.problem = "--for " + *text + ": " + std::string(kDurationExpectation)};
-  if (parsed->count() <= 0) return {.problem = "--for " + *text + ": expected more than nothing"};
-  if (*parsed > LidSleepLimits::maxDuration) {
-    return {.problem =
-                "--for " + *text + ": sleep stays off for " + durationText(LidSleepLimits::maxDuration) + " at most"};
-  }
+  const auto refused = [&](std::string_view expected) {
+    return HoldDuration{.problem = expectedText({.subject = "--for", .expected = expected, .got = *text})};
+  };
+  if (!parsed) return refused(kExpectedDuration);
+  if (parsed->count() <= 0) return refused("more than nothing");
+  if (*parsed > LidSleepLimits::maxDuration) return refused(durationText(LidSleepLimits::maxDuration) + " at most");
   return {.duration = *parsed};
 }
 
@@ -30,7 +31,8 @@ BatteryFloor batteryFloorOf(const std::optional<std::string>& text) {
   if (digits.ends_with('%')) digits.remove_suffix(1);
   const auto percent = integerFromText(digits);
   if (!percent || *percent < kLowestBatteryFloor || *percent > kHighestBatteryFloor) {
-    return {.problem = "--battery-floor " + *text + ": expected a percentage from 5 to 90"};
+    return {.problem =
+                expectedText({.subject = "--battery-floor", .expected = "a percentage from 5 to 90", .got = *text})};
   }
   return {.percent = *percent};
 }

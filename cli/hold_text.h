@@ -1,6 +1,6 @@
 // What the commands that hold sleep off say about it.
 //
-// Used by `brindle sleep`, `brindle run` and `brindle watch`. Pure; every text is one line without line end.
+// Used by `brindle sleep` and `brindle run`. Pure; every text is one line without line end.
 #pragma once
 
 #include <cstdint>

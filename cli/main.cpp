@@ -40,8 +40,8 @@ int main(int count, char** words) {
                                      .error = ::isatty(STDERR_FILENO) == 1};
   const std::string noColor = environment("NO_COLOR").value_or("");
   const std::string term = environment("TERM").value_or("");
-  DescriptorSink results(STDOUT_FILENO);
-  DescriptorSink remarks(STDERR_FILENO);
+  StreamSink results(kStandardOutput);
+  StreamSink remarks(kStandardError);
   Output output({.results = results, .remarks = remarks},
                 wantsColour({.terminal = terminals.output, .noColor = noColor, .term = term}));
   CommandContext context = {.output = output, .environment = environment, .terminals = terminals, .signals = signals};

@@ -1,6 +1,5 @@
 // `brindle mcp`: the MCP server on standard input and output.
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -8,6 +7,7 @@
 #include <memory>
 
 #include "base/descriptor.h"
+#include "base/stream.h"
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_code.h"
@@ -23,35 +23,6 @@ namespace {
 constexpr const char* kFramingVariable = "BRINDLE_MCP_FRAMING";
 constexpr std::size_t kReadSize = std::size_t{64} << 10;
 
-// A client may hand over descriptors that do not block.
-bool waitFor(int descriptor, short event) {
-  struct pollfd wanted = {.fd = descriptor, .events = event, .revents = 0};
-  return ::poll(&wanted, 1, -1) >= 0 || errno == EINTR;
-}
-
-// Reads until there is something: its length, 0 at the end, -1 with errno on failure.
-ssize_t readSome(int descriptor, std::array<char, kReadSize>& buffer) {
-  while (true) {
-    const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
-    if (count >= 0) return count;
-    if (errno == EINTR) continue;
-    if (errno != EAGAIN || !waitFor(descriptor, POLLIN)) return -1;
-  }
-}
-
-// 0, or the errno value of the write that failed.
-int writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count >= 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(count));
-    } else if (errno != EINTR && (errno != EAGAIN || !waitFor(descriptor, POLLOUT))) {
-      return errno;
-    }
-  }
-  return 0;
-}
-
 // Standard output on a descriptor of its own; descriptor 1 becomes standard error, so that nothing that prints by
 // mistake can break the protocol.
 Descriptor takeStandardOutput() {
@@ -63,26 +34,28 @@ Descriptor takeStandardOutput() {
 int serve(MCPFramingChoice choice, MCPService& service, CommandContext& context) {
   const Descriptor output = takeStandardOutput();
   if (!output) {
-    context.output.remark("cannot take standard output: " + errorText(errno));
+    context.output.remark("take standard output: " + errorText(errno));
     return ExitCode::kFailure;
   }
-  int writeError = 0;
+  const Stream replies{output.get(), kStandardOutput.name};
+  Outcome sent;
   MCPConversation conversation(
       choice, {.answer = [&](const JsonObject& message) { return service.answer(message, wallClockNow()); },
                .send =
                    [&](std::string_view bytes) {
-                     writeError = writeAll(output.get(), bytes);
-                     return writeError == 0;
+                     sent = writeAll(replies, bytes);
+                     return sent.has_value();
                    }});
   const auto buffer = std::make_unique<std::array<char, kReadSize>>();
-  ssize_t count = 0;
-  while ((count = readSome(STDIN_FILENO, *buffer)) > 0) {
-    if (!conversation.receive({buffer->data(), static_cast<std::size_t>(count)})) break;
+  Result<std::size_t> count = 0;
+  while ((count = readSome(kStandardInput, *buffer)) && *count > 0) {
+    if (!conversation.receive({buffer->data(), *count})) break;
   }
   // The end of the input and a reader that has gone are how clients say goodbye.
-  if (count < 0) context.output.remark("cannot read standard input: " + errorText(errno));
-  if (writeError != 0 && writeError != EPIPE) context.output.remark("cannot reply: " + errorText(writeError));
-  return count < 0 || (writeError != 0 && writeError != EPIPE) ? ExitCode::kFailure : ExitCode::kDone;
+  if (!sent && sent.error().code == EPIPE) return ExitCode::kDone;
+  if (count && sent) return ExitCode::kDone;
+  context.output.remark((sent ? count.error() : sent.error()).message());
+  return ExitCode::kFailure;
 }
 
 MCPFramingChoice framingChoice(const Arguments& arguments, CommandContext& context) {
@@ -100,12 +73,14 @@ MCPFramingChoice framingChoice(const Arguments& arguments, CommandContext& conte
 
 int runMCP(const Arguments& arguments, CommandContext& context) {
   const ReportUsage usage = reportOptionsOf(arguments);
-  if (!usage.problem.empty()) return wrongUsage(context, "mcp: " + usage.problem);
+  if (!usage.problem.empty()) return wrongUsage(context, usage.problem);
   const auto source = snapshotSource(usage.options, context.environment);
   if (!source) {
-    context.output.remark("mcp: " + source.error().message());
+    context.output.remark(source.error());
     return ExitCode::kFailure;
   }
+  // Whoever tries it by hand would else wait for an answer for ever.
+  if (context.terminals.input) context.output.remark("an agent talks to it on standard input; Ctrl-D ends it");
   MCPService service({.source = **source,
                       .stateFolder = stateFolder(context.environment),
                       .settingsFile = settingsFile(context.environment),
@@ -128,9 +103,9 @@ constinit const Command kMCPCommand = {
     .summary = "answers coding agents over the Model Context Protocol",
     .usage = "[--framing auto|lines|header]",
     .details =
-        "Agents start it and talk to it on standard input and output. It reports and never stops a process;\n"
-        "a request to quit something waits until a person confirms it. Replies carry a Content-Length header\n"
-        "and a line feed, which clients read past; with 'lines', or when 'auto' meets a client known not to\n"
+        "Agents start it and talk to it on standard input and output. It reports and never stops a process; "
+        "a request to quit something waits until a person confirms it. Replies carry a Content-Length header "
+        "and a line feed, which clients read past; with 'lines', or when 'auto' meets a client known not to "
         "bear the header, they are bare lines. BRINDLE_MCP_FRAMING sets the default. It ends with its input.",
     .options = kOptions,
     .run = runMCP};

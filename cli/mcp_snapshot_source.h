@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "base/result.h"
 #include "cli/report_options.h"
@@ -19,9 +20,9 @@ class SnapshotSource {
   [[nodiscard]] virtual Result<HostSnapshot> take(const ProtectionRules& rules) = 0;
 };
 
-/// The source that the options ask for. A recorded snapshot is read here, once; fails when it cannot be read or is
-/// none. Making a source of this machine looks at nothing.
-[[nodiscard]] Result<std::unique_ptr<SnapshotSource>> snapshotSource(const ReportOptions& options,
-                                                                     const Environment& environment);
+/// The source that the options ask for. A recorded snapshot is read here, once; a line of text says why when it cannot
+/// be read or is none. Making a source of this machine looks at nothing.
+[[nodiscard]] tl::expected<std::unique_ptr<SnapshotSource>, std::string> snapshotSource(const ReportOptions& options,
+                                                                                        const Environment& environment);
 
 }  // namespace brindle

@@ -31,8 +31,8 @@ constinit const Command kNotifyCommand = {
     .summary = "takes an event from Codex",
     .usage = "[--verbose] JSON",
     .details =
-        "Codex runs it as the program of its setting 'notify'; 'brindle setup codex' puts it there. It is silent\n"
-        "and always ends with 0; options that it does not know, --help included, are passed over.",
+        "Codex runs it as the program of its setting 'notify'; 'brindle setup codex' puts it there. It is silent "
+        "and always ends with 0; options that it does not know are passed over. This help shows at a terminal only.",
     .options = kOptions,
     .arguments = kArguments,
     .style = ArgumentStyle::raw,

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <deque>
 
+#include "cli/usage_text.h"
+
 namespace brindle {
 
 namespace {
@@ -14,8 +16,6 @@ const OptionSpec* specOf(const Command& command, std::string_view name) {
   const auto found = std::ranges::find(command.options, name, &OptionSpec::name);
   return found == command.options.end() ? nullptr : &*found;
 }
-
-std::string inQuotes(std::string_view text) { return '"' + std::string(text) + '"'; }
 
 std::string listed(std::span<const std::string_view> choices) {
   std::string text;
@@ -43,22 +43,21 @@ std::size_t ownWords(const Command& command, const std::vector<std::string>& wor
 }
 
 std::optional<UsageProblem> problemWithWords(const Command& command, const std::vector<std::string>& words) {
-  const std::string name(command.name);
   std::size_t used = 0;
   for (const ArgumentSpec& argument : command.arguments) {
     if (used == words.size()) {
       if (!argument.required) break;
-      return UsageProblem{name + ": expected " +
+      return UsageProblem{"expected " +
                           (argument.choices.empty() ? std::string(argument.name) : listed(argument.choices))};
     }
     const std::size_t end = argument.repeated ? words.size() : used + 1;
     for (; used < end; ++used) {
       if (!isChoice(argument.choices, words[used])) {
-        return UsageProblem{name + ": expected " + listed(argument.choices) + ", got " + inQuotes(words[used])};
+        return UsageProblem{expectedText({.expected = listed(argument.choices), .got = words[used]})};
       }
     }
   }
-  if (used < words.size()) return UsageProblem{name + ": unexpected argument " + inQuotes(words[used])};
+  if (used < words.size()) return UsageProblem{"unexpected argument " + inQuotes(words[used])};
   return std::nullopt;
 }
 
@@ -85,13 +84,13 @@ class Parse {
     try {
       app_.parse(backwards);
     } catch (const CLI::ArgumentMismatch&) {
-      return UsageProblem{prefix() + flagWithValue(own) + " takes no value"};
+      return UsageProblem{flagWithValue(own) + " takes no value"};
     } catch (const CLI::Error& error) {
-      return UsageProblem{prefix() + error.what()};
+      return UsageProblem{error.what()};
     }
     Arguments arguments;
     for (std::string& word : app_.remaining()) {
-      if (word.size() > 1 && word[0] == '-') return UsageProblem{prefix() + "unknown option " + word};
+      if (word.size() > 1 && word[0] == '-') return UsageProblem{"unknown option " + word};
       arguments.words.push_back(std::move(word));
     }
     if (help_->count() > 0) return HelpAsked{};
@@ -122,16 +121,16 @@ class Parse {
       if (option->count() == 0) continue;
       if (value->empty() && !spec->value.empty() && !spec->valueOptional) return missingValue(*spec);
       if (!value->empty() && !isChoice(spec->choices, *value)) {
-        return UsageProblem{prefix() + std::string(spec->name) + ": expected " + listed(spec->choices) + ", got " +
-                            inQuotes(*value)};
+        return UsageProblem{expectedText({.subject = spec->name, .expected = listed(spec->choices), .got = *value})};
       }
       arguments.options.emplace(spec->name, *value);
     }
     return arguments;
   }
 
-  UsageProblem missingValue(const OptionSpec& spec) const {
-    return UsageProblem{prefix() + std::string(spec.name) + ": expected " + std::string(spec.value)};
+  static UsageProblem missingValue(const OptionSpec& spec) {
+    const std::string value = spec.choices.empty() ? std::string(spec.value) : listed(spec.choices);
+    return UsageProblem{std::string(spec.name) + ": expected " + value};
   }
 
   /// The first option without value that was given one; the library's own text differs between its versions.
@@ -143,8 +142,6 @@ class Parse {
     }
     return "--help";
   }
-
-  [[nodiscard]] std::string prefix() const { return std::string(command_.name) + ": "; }
 
   const Command& command_;
   CLI::App app_;

@@ -17,7 +17,8 @@ struct HelpAsked {
   bool operator==(const HelpAsked&) const = default;
 };
 
-/// The words do not fit the command; `text` is one line: what is wrong and what was expected.
+/// The words do not fit the command; `text` is one line: what is wrong and what was expected. It does not name the
+/// command.
 struct UsageProblem {
   std::string text;
   bool operator==(const UsageProblem&) const = default;

@@ -1,10 +1,11 @@
 #include "cli/output.h"
 
-#include <unistd.h>
+#include <sys/ioctl.h>
 
 #include <cerrno>
 
 #include "cli/exit_code.h"
+#include "inventory/valid_text.h"
 
 namespace brindle {
 
@@ -28,16 +29,9 @@ constexpr std::string_view escapeOf(Paint paint) {
 
 }  // namespace
 
-Outcome DescriptorSink::write(std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = ::write(descriptor_, text.data(), text.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      return fail(errno, descriptor_ == STDOUT_FILENO ? "write standard output" : "write standard error");
-    }
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return {};
+std::size_t StreamSink::columns() const {
+  struct winsize size = {};
+  return ::ioctl(stream_.descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 void Output::print(std::string_view text) {
@@ -52,12 +46,7 @@ void Output::print(std::string_view text) {
   remark(written.error().message());
 }
 
-void Output::remark(std::string_view text) {
-  std::string line = "brindle: ";
-  line += text;
-  line += '\n';
-  printRemark(line);
-}
+void Output::remark(std::string_view text) { printRemark("brindle: " + terminalText(text) + "\n"); }
 
 void Output::printRemark(std::string_view text) {
   // Nobody is left to be told that remarks cannot be written.
@@ -72,7 +61,7 @@ std::string Output::painted(Paint paint, std::string_view text) const {
   return result;
 }
 
-int Output::finish(int code) const { return failed_ && code == ExitCode::kDone ? ExitCode::kFailure : code; }
+int Output::finish(int code) const { return failed_ && code <= ExitCode::kNegative ? ExitCode::kFailure : code; }
 
 bool wantsColour(const ColourFacts& facts) { return facts.terminal && facts.noColor.empty() && facts.term != "dumb"; }
 

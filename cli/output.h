@@ -5,10 +5,12 @@
 // asks readerGone(). Any other failure is told once and decides the exit code. One thread.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 #include "base/result.h"
+#include "base/stream.h"
 
 namespace brindle {
 
@@ -18,16 +20,19 @@ class TextSink {
   virtual ~TextSink() = default;
   /// All of `text`, or why not; EPIPE when nobody reads any more.
   virtual Outcome write(std::string_view text) = 0;
+  /// How wide the terminal is now that shows it; 0 when there is none, or it does not tell.
+  [[nodiscard]] virtual std::size_t columns() const { return 0; }
 };
 
-/// Writes to a descriptor that it does not own. The process must ignore SIGPIPE, or a closed pipe ends it.
-class DescriptorSink : public TextSink {
+/// Writes to a stream that it does not own. The process must ignore SIGPIPE, or a closed pipe ends it.
+class StreamSink : public TextSink {
  public:
-  explicit DescriptorSink(int descriptor) : descriptor_(descriptor) {}
-  Outcome write(std::string_view text) override;
+  explicit StreamSink(Stream stream) : stream_(stream) {}
+  Outcome write(std::string_view text) override { return writeAll(stream_, text); }
+  [[nodiscard]] std::size_t columns() const override;
 
  private:
-  int descriptor_;
+  Stream stream_;
 };
 
 enum class Paint { bold, dim, red, green, yellow };
@@ -43,7 +48,8 @@ class Output {
 
   /// Writes `text` to the results as it is, at once.
   void print(std::string_view text);
-  /// Writes the line "brindle: TEXT" to the remarks. `text` is one line without line end.
+  /// Writes the line "brindle: TEXT" to the remarks, made one line that cannot steer a terminal: words of the command
+  /// line and names of files end up in it.
   void remark(std::string_view text);
   /// Writes `text` to the remarks as it is: questions, and help after wrong usage.
   void printRemark(std::string_view text);
@@ -52,11 +58,13 @@ class Output {
   [[nodiscard]] std::string painted(Paint paint, std::string_view text) const;
   [[nodiscard]] bool colour() const { return colour_; }
   void refuseColour() { colour_ = false; }
+  /// The columns of the terminal that shows the results; 0 is no limit.
+  [[nodiscard]] std::size_t columns() const { return sinks_.results.columns(); }
 
   /// Whether the reader of the results has gone: what is printed from now on is dropped.
   [[nodiscard]] bool readerGone() const { return readerGone_; }
 
-  /// The exit code of a command that ended with `code`: 2 when its results could not be written.
+  /// The exit code of a command that ended with `code`: 2 when it was an answer, 0 or 1, and could not be written.
   [[nodiscard]] int finish(int code) const;
 
  private:

@@ -8,13 +8,12 @@
 #include "cli/commands.h"
 #include "cli/exit_code.h"
 #include "cli/report_text.h"
+#include "cli/screen_frame.h"
 #include "logic/reports/cli_reports.h"
 #include "platform/settings.h"
 
 namespace brindle {
 namespace {
-
-constexpr std::string_view kClearScreen = "\x1b[H\x1b[2J";
 
 Report statusReport(const HostSnapshot& snapshot, const ReportOptions& options, const Output& output) {
   const StatusDocument document = CLIReports::status(snapshot.report());
@@ -71,6 +70,8 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
   const auto [options, problem] = reportOptionsOf(arguments);
   if (!problem.empty()) return wrongUsage(context, problem);
   remarkUnreadSettings(context);
+  const bool clears =
+      options.watch && !options.json && context.terminals.output && context.environment("TERM") != "dumb";
   std::string told;
   for (;;) {
     const ReportSnapshotResult snapshot = snapshotFor(options, kind.detail, context.environment);
@@ -79,10 +80,9 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
       return ExitCode::kFailure;
     }
     const Report report = kind.make(*snapshot, options, context.output);
-    if (options.watch && !options.json && context.terminals.output) context.output.print(kClearScreen);
-    context.output.print(report.text);
+    context.output.print(clears ? screenFrame(report.text) : report.text);
     const std::string unseen = options.json ? std::string() : ReportText::unseen(*snapshot);
-    if (!unseen.empty() && unseen != told) context.output.remark(unseen);
+    if (!unseen.empty() && (unseen != told || clears)) context.output.remark(unseen);
     told = unseen;
     // Whoever looks also remembers who started what; a failure costs evidence later, not this report.
     if (!options.snapshotFile && kind.detail != ListingDetail::listeners) {
@@ -96,8 +96,8 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
 
 constinit const Command kStatusCommand = {
     .name = "status",
-    .summary = "one line: what agents run, what they left behind, and what it holds",
-    .usage = "[--json] [--watch [SECONDS]]",
+    .summary = "tells in one line what agents run, what they left behind, and what that holds",
+    .usage = "[--json] [--watch [SECONDS]] [--sample]",
     .options = kReportOptions,
     .run = runStatus};
 
@@ -113,7 +113,7 @@ constinit const Command kAgentsCommand = {
     .summary = "lists the agents, what they started and what they left behind",
     .usage = "[--json] [--watch [SECONDS]] [--sample]",
     .details =
-        "CPU figures, and with them the activity, are averages since the last run of up to 10 minutes ago;\n"
+        "CPU figures, and with them the activity, are averages since the last run of up to 10 minutes ago; "
         "--sample measures instead. Exits with 1 when there is no agent and nothing was left behind.",
     .options = kReportOptions,
     .run = runAgents};

@@ -1,16 +1,11 @@
 #include "cli/report_options.h"
 
-#include <unistd.h>
-
-#include <filesystem>
 #include <limits>
-#include <system_error>
 #include <utility>
 
-#include "base/file.h"
-#include "base/json_reader.h"
 #include "base/number_text.h"
-#include "platform/clock.h"
+#include "cli/recorded_snapshot.h"
+#include "cli/usage_text.h"
 
 namespace brindle {
 namespace {
@@ -26,44 +21,27 @@ std::optional<Seconds> watchSpan(const std::string& text) {
 std::string readNumbers(const Arguments& arguments, ReportOptions& options) {
   if (const auto text = arguments.value("--watch")) {
     options.watch = watchSpan(*text);
-    if (!options.watch) return "--watch " + *text + ": expected seconds from 0.2 to 86400";
+    if (!options.watch) {
+      return expectedText({.subject = "--watch", .expected = "seconds from 0.2 to 86400", .got = *text});
+    }
   } else if (arguments.has("--watch")) {
     options.watch = kUsualWatch;
   }
   if (const auto text = arguments.value("--now")) {
     const auto number = doubleFromText(*text);
     if (!number || !(*number >= -kFarthestStart && *number <= kFarthestStart)) {
-      return "--now " + *text + ": expected seconds since 1970";
+      return expectedText({.subject = "--now", .expected = "seconds since 1970", .got = *text});
     }
     options.now = dateFromSeconds(*number);
   }
   if (const auto text = arguments.value("--uid")) {
     const auto number = integerFromText(*text);
     if (!number || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max()) {
-      return "--uid " + *text + ": expected a user id";
+      return expectedText({.subject = "--uid", .expected = "a user id", .got = *text});
     }
     options.uid = static_cast<std::uint32_t>(*number);
   }
   return {};
-}
-
-ReportSnapshotResult recorded(const ReportOptions& options, const Environment& environment) {
-  // A file that the user names may be a link; only the program's own files never are.
-  std::error_code missing;
-  const auto resolved = std::filesystem::canonical(*options.snapshotFile, missing);
-  const std::string path = missing ? *options.snapshotFile : resolved.string();
-  const auto text = readFile(path, kJsonByteLimit);
-  if (!text) return tl::make_unexpected(text.error().message());
-  const auto document = parseJson(*text);
-  auto processes = document ? decodeSnapshot(*document) : std::nullopt;
-  if (!processes) return tl::make_unexpected("read " + path + ": not a snapshot of processes");
-  const SystemProcessRules* rules = &hostRules();
-  if (options.rules) {
-    rules = *options.rules == "macos" ? &SystemProcessRules::forMacOS() : &SystemProcessRules::forLinux();
-  }
-  const ProtectionRules protections = protectionRulesOf(environment);
-  return snapshotOf(std::move(*processes), SnapshotContext{options.now.value_or(wallClockNow()),
-                                                           options.uid.value_or(::geteuid()), *rules, protections});
 }
 
 }  // namespace
@@ -89,7 +67,11 @@ ReportUsage reportOptionsOf(const Arguments& arguments) {
 }
 
 ReportSnapshotResult snapshotFor(const ReportOptions& options, ListingDetail detail, const Environment& environment) {
-  if (options.snapshotFile) return recorded(options, environment);
+  if (options.snapshotFile) {
+    const auto recorded = readRecordedSnapshot(options);
+    if (!recorded) return tl::make_unexpected(recorded.error());
+    return recorded->host(protectionRulesOf(environment));
+  }
   HostQuestion question{.detail = detail};
   if (options.sample) question.sampleFor = kShortestSample;
   auto snapshot = lookAtHost(environment, question);

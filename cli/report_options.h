@@ -16,19 +16,21 @@ namespace brindle {
 
 /// The rows for the table of a command's options.
 inline constexpr std::string_view kRuleChoices[] = {"macos", "linux"};
-inline constexpr OptionSpec kJsonOption = {.name = "--json", .help = "print the JSON document instead of text"};
+inline constexpr OptionSpec kJsonOption = {.name = "--json", .help = "prints the JSON document instead of text"};
 inline constexpr OptionSpec kWatchOption = {.name = "--watch",
                                             .value = "SECONDS",
-                                            .help = "repeat until interrupted, every 2 seconds when not given",
+                                            .help = "repeats until interrupted, every 2 seconds when not given",
                                             .valueOptional = true};
-inline constexpr OptionSpec kSampleOption = {.name = "--sample", .help = "measure CPU for half a second"};
+inline constexpr OptionSpec kSampleOption = {.name = "--sample", .help = "measures CPU for half a second"};
 inline constexpr OptionSpec kSnapshotOption = {
-    .name = "--snapshot", .value = "FILE", .help = "report on recorded processes instead of this machine's"};
+    .name = "--snapshot", .value = "FILE", .help = "reports on recorded processes instead of this machine's"};
 inline constexpr OptionSpec kNowOption = {
     .name = "--now", .value = "SECONDS", .help = "with --snapshot: the moment, in seconds since 1970"};
 inline constexpr OptionSpec kUidOption = {.name = "--uid", .value = "N", .help = "with --snapshot: the current user"};
-inline constexpr OptionSpec kRulesOption = {
-    .name = "--rules", .value = "SYSTEM", .help = "with --snapshot: whose system processes", .choices = kRuleChoices};
+inline constexpr OptionSpec kRulesOption = {.name = "--rules",
+                                            .value = "SYSTEM",
+                                            .help = "with --snapshot: the system that was recorded",
+                                            .choices = kRuleChoices};
 
 struct ReportOptions {
   bool json = false;

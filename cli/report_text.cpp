@@ -4,7 +4,7 @@
 
 #include "base/text.h"
 #include "cli/duration_text.h"
-#include "cli/text_table.h"
+#include "cli/shown_table.h"
 #include "inventory/valid_text.h"
 #include "logic/sessions/byte_text.h"
 
@@ -13,35 +13,26 @@ namespace {
 
 using Align = TextTable::Align;
 
-constexpr std::size_t kNameWidth = 24;
-constexpr std::size_t kCommandWidth = 60;
+std::string spanText(std::int64_t seconds) { return ageText(Seconds{static_cast<double>(seconds)}); }
 
-std::string withHeadingPainted(const std::string& table, const Output& output) {
-  const std::size_t end = table.find('\n');
-  return output.painted(Paint::bold, table.substr(0, end)) + table.substr(end);
-}
-
-std::string spanText(std::int64_t seconds) { return durationText(Seconds{static_cast<double>(seconds)}); }
-
-std::string leftBehindTable(const std::vector<LeftBehindDocument>& rows, const Output& output) {
+std::string leftBehindTable(std::string_view heading, const std::vector<LeftBehindDocument>& rows,
+                            const Output& output) {
+  if (rows.empty()) return {};
   TextTable table({{"PID", Align::right},
-                   {"LEFT BEHIND BY"},
+                   {std::string(heading), Align::left, kOriginWidth},
                    {"MEMORY", Align::right},
-                   {"PORTS"},
+                   {"PORTS", Align::left, kPortsWidth},
                    {"COMMAND", Align::left, kCommandWidth}});
   for (const LeftBehindDocument& row : rows) {
     table.add({std::to_string(row.pid), row.origin, ByteText::text(row.memoryBytes), portList(row.ports), row.command});
   }
-  return withHeadingPainted(table.text(), output);
+  return shownTable(table, output);
 }
 
-std::vector<LeftBehindDocument> documentsOf(const std::vector<LeftBehind>& list) {
-  std::vector<LeftBehindDocument> rows;
-  for (const LeftBehind& each : list) {
-    rows.push_back(
-        {each.process.pid, each.process.commandLine, each.origin, each.process.footprint, each.process.ports});
-  }
-  return rows;
+std::string leftBehindTables(const GhostsDocument& document, const Output& output) {
+  const std::string certain = leftBehindTable("LEFT BEHIND BY", document.leftBehind, output);
+  const std::string likely = leftBehindTable("PERHAPS LEFT BEHIND BY", document.likely, output);
+  return certain.empty() || likely.empty() ? certain + likely : certain + "\n" + likely;
 }
 
 }  // namespace
@@ -61,7 +52,9 @@ std::string status(const StatusDocument& document, const Output& output) {
 }
 
 std::string ports(const PortsDocument& document, const HostSnapshot& snapshot, const Output& output) {
-  if (document.listeners.empty()) return "Nothing listens.\n";
+  if (document.listeners.empty()) {
+    return snapshot.unownedListeners > 0 ? "Nothing that can be seen listens.\n" : "Nothing listens.\n";
+  }
   std::unordered_map<std::int32_t, const TrackedProcess*> byPid;
   for (const TrackedProcess& process : snapshot.processes) byPid.try_emplace(process.pid, &process);
   TextTable table({{"PORT", Align::right},
@@ -71,16 +64,16 @@ std::string ports(const PortsDocument& document, const HostSnapshot& snapshot, c
                    {"FRAMEWORK"},
                    {"AGE", Align::right},
                    {"OPEN TO"},
-                   {"LEFT ALONE"}});
+                   {"LEFT ALONE", Align::left, kReasonWidth}});
   for (const PortListener& row : document.listeners) {
     const auto found = byPid.find(row.pid);
     const TrackedProcess* process = found == byPid.end() ? nullptr : found->second;
-    const std::string age = process == nullptr ? "" : durationText(snapshot.now - process->start);
+    const std::string age = process == nullptr ? "" : ageText(snapshot.now - process->start);
     const std::string open = snapshot.reachablePorts.contains(row.port) ? "network" : "";
     table.add({std::to_string(row.port), std::to_string(row.pid), row.name, row.project.value_or(""),
                process == nullptr ? "" : process->framework.value_or(""), age, open, row.protectedReason.value_or("")});
   }
-  return withHeadingPainted(table.text(), output);
+  return shownTable(table, output);
 }
 
 std::string agents(const AgentsDocument& document, const HostSnapshot& snapshot, const Output& output) {
@@ -92,7 +85,7 @@ std::string agents(const AgentsDocument& document, const HostSnapshot& snapshot,
                    {"ACTIVITY"},
                    {"UP", Align::right},
                    {"MEMORY", Align::right},
-                   {"PORTS"}});
+                   {"PORTS", Align::left, kPortsWidth}});
   for (const AgentSessionDocument& session : document.sessions) {
     table.add({std::to_string(session.pid), session.agent, session.project.value_or(""), session.activity,
                spanText(session.uptimeSeconds), ByteText::text(session.memoryBytes), portList(session.ports)});
@@ -101,10 +94,10 @@ std::string agents(const AgentsDocument& document, const HostSnapshot& snapshot,
                  portList(child.ports)});
     }
   }
-  if (!table.empty()) text += withHeadingPainted(table.text(), output);
-  if (!document.leftBehind.empty()) text += "\n" + leftBehindTable(document.leftBehind, output);
-  if (!snapshot.likely.empty()) text += "\n" + leftBehindTable(documentsOf(snapshot.likely), output);
-  return text;
+  if (!table.empty()) text += shownTable(table, output);
+  const std::string left =
+      leftBehindTables({.leftBehind = document.leftBehind, .likely = leftBehindRows(snapshot.likely)}, output);
+  return left.empty() ? text : text + "\n" + left;
 }
 
 std::string idle(const IdleDocument& document, const Output& output) {
@@ -113,25 +106,21 @@ std::string idle(const IdleDocument& document, const Output& output) {
                    {"PROJECT", Align::left, kNameWidth},
                    {"UP", Align::right},
                    {"MEMORY", Align::right},
-                   {"PORTS"},
-                   {"LEFT ALONE"}});
+                   {"PORTS", Align::left, kPortsWidth},
+                   {"LEFT ALONE", Align::left, kReasonWidth}});
   const auto add = [&](const IdleRow& row) {
     table.add({std::to_string(row.pid), row.name, row.project.value_or(""), spanText(row.uptimeSeconds),
                ByteText::text(row.memoryBytes), portList(row.ports), row.protectedReason.value_or("")});
   };
   for (const IdleRow& row : document.stop) add(row);
   for (const IdleRow& row : document.skipped) add(row);
-  std::string text = table.empty() ? "" : withHeadingPainted(table.text(), output) + "\n";
+  std::string text = table.empty() ? "" : shownTable(table, output) + "\n";
   return text + terminalText(document.summary) + "\n";
 }
 
-std::string ghosts(const HostSnapshot& snapshot, const Output& output) {
-  if (snapshot.leftBehind.empty() && snapshot.likely.empty()) return "Nothing was left behind.\n";
-  std::string text;
-  if (!snapshot.leftBehind.empty()) text += leftBehindTable(documentsOf(snapshot.leftBehind), output);
-  if (!snapshot.leftBehind.empty() && !snapshot.likely.empty()) text += "\n";
-  if (!snapshot.likely.empty()) text += leftBehindTable(documentsOf(snapshot.likely), output);
-  return text;
+std::string ghosts(const GhostsDocument& document, const Output& output) {
+  const std::string text = leftBehindTables(document, output);
+  return text.empty() ? "Nothing was left behind.\n" : text;
 }
 
 std::string unseen(const HostSnapshot& snapshot) {
@@ -142,9 +131,10 @@ std::string unseen(const HostSnapshot& snapshot) {
   }
   if (snapshot.unownedListeners > 0) {
     const auto count = static_cast<std::size_t>(snapshot.unownedListeners);
-    parts.push_back(counted(count, "listening port", "listening ports") + " of a process that could not be found");
+    parts.push_back(counted(count, "listening port belongs to a process", "listening ports belong to processes") +
+                    " that cannot be seen");
   }
-  return joined(parts, ", ");
+  return joined(parts, "; ");
 }
 
 }  // namespace brindle::ReportText

@@ -17,7 +17,7 @@ namespace brindle::ReportText {
 [[nodiscard]] std::string ports(const PortsDocument& document, const HostSnapshot& snapshot, const Output& output);
 [[nodiscard]] std::string agents(const AgentsDocument& document, const HostSnapshot& snapshot, const Output& output);
 [[nodiscard]] std::string idle(const IdleDocument& document, const Output& output);
-[[nodiscard]] std::string ghosts(const HostSnapshot& snapshot, const Output& output);
+[[nodiscard]] std::string ghosts(const GhostsDocument& document, const Output& output);
 
 /// What could not be seen, for the remarks; empty when everything was.
 [[nodiscard]] std::string unseen(const HostSnapshot& snapshot);

@@ -1,4 +1,4 @@
-// `brindle run [--for DURATION] [--best-effort] -- COMMAND…`.
+// `brindle run [OPTIONS] -- COMMAND…`.
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_code.h"
@@ -25,11 +25,11 @@ RunResult runHere(const RunRequest& request, std::int64_t batteryFloor, CommandC
 }
 
 int runRun(const Arguments& arguments, CommandContext& context) {
-  if (arguments.trailing.empty()) return wrongUsage(context, "run: expected a command");
+  if (arguments.trailing.empty()) return wrongUsage(context, "expected a command");
   const auto [duration, wrong] = holdDuration(arguments.value("--for"));
-  if (!wrong.empty()) return wrongUsage(context, "run: " + wrong);
+  if (!wrong.empty()) return wrongUsage(context, wrong);
   const BatteryFloor floor = batteryFloorOf(arguments.value("--battery-floor"));
-  if (!floor.problem.empty()) return wrongUsage(context, "run: " + floor.problem);
+  if (!floor.problem.empty()) return wrongUsage(context, floor.problem);
   const RunResult result =
       runHere({.words = arguments.trailing, .duration = duration, .bestEffort = arguments.has("--best-effort")},
               floor.percent, context);
@@ -43,7 +43,7 @@ constexpr OptionSpec kOptions[] = {
     {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"},
     {.name = "--battery-floor",
      .value = "PERCENT",
-     .help = "let go at this charge on battery, 5 to 90; 20 when not given"},
+     .help = "lets go at this charge on battery, 5 to 90; 20 when not given"},
     {.name = "--best-effort", .help = "runs COMMAND also when sleep cannot be held off"}};
 
 }  // namespace
@@ -53,9 +53,9 @@ constinit const Command kRunCommand = {
     .summary = "holds system sleep off while a command runs",
     .usage = "[--for DURATION] [--battery-floor PERCENT] [--best-effort] -- COMMAND…",
     .details =
-        "COMMAND keeps its terminal, streams and signals, and its exit status is passed on: 128 and the number\n"
-        "of the signal when one killed it, 127 when there is no such command, 126 when it cannot be executed.\n"
-        "When sleep cannot be held off, COMMAND is not run and the exit status is 2. When the time is over\n"
+        "COMMAND keeps its terminal, streams and signals, and its exit status is passed on: 128 and the number "
+        "of the signal when one killed it, 127 when there is no such command, 126 when it cannot be executed. "
+        "When sleep cannot be held off, COMMAND is not run and the exit status is 2. When the time is over "
         "sleep comes back on and COMMAND goes on.",
     .options = kOptions,
     .style = ArgumentStyle::trailingCommand,

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "base/file.h"
 #include "base/json_reader.h"
+#include "cli/named_file.h"
 #include "cli/setup_claude_hooks.h"
 #include "cli/setup_codex_config.h"
 #include "cli/setup_mcp_json.h"
@@ -130,10 +130,7 @@ ClientSetup clientSetup(MCPClient client, const std::string& home, const Environ
 }
 
 ServerState registeredState(const SetupRegistration& registration) {
-  std::error_code missing;
-  const auto resolved = std::filesystem::canonical(registration.file, missing);
-  if (missing) return ServerState::absent;
-  const Result<std::string> text = readFile(resolved.string(), kJsonByteLimit);
+  const Result<std::string> text = readNamedFile(registration.file, kJsonByteLimit);
   return text ? registration.stateIn(*text) : ServerState::absent;
 }
 

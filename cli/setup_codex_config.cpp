@@ -1,23 +1,16 @@
 #include "cli/setup_codex_config.h"
 
-// The parser is header-only and reports errors as values.
-#define TOML_EXCEPTIONS 0
-#define TOML_HEADER_ONLY 1
-#include <toml++/toml.h>
-
 #include <optional>
 #include <vector>
 
 #include "base/json_writer.h"
+#include "inventory/toml_table.h"
 #include "logic/mcp/mcp_config_snippet.h"
 
 namespace brindle {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-/// Brackets nested deeper than settings ever have; the parser recurses into them.
-constexpr int kDepthLimit = 64;
-
 /// A part of ours in the file, between two marker lines that begin with these texts.
 struct Block {
   std::string_view begin;
@@ -26,23 +19,6 @@ struct Block {
 constexpr Block kNotify = {"# >>> brindle notify", "# <<< brindle notify"};
 constexpr Block kServer = {"# >>> brindle mcp", "# <<< brindle mcp"};
 constexpr std::string_view kHint = " >>> 'brindle setup codex --undo' takes these lines away";
-
-bool nestsTooDeep(std::string_view text) {
-  int depth = 0;
-  for (const char each : text) {
-    if (each == '[' || each == '{') ++depth;
-    if ((each == ']' || each == '}') && depth > 0) --depth;
-    if (depth > kDepthLimit) return true;
-  }
-  return false;
-}
-
-std::optional<toml::table> parsed(std::string_view text) {
-  if (nestsTooDeep(text)) return std::nullopt;
-  toml::parse_result document = toml::parse(text);
-  if (!document) return std::nullopt;
-  return std::move(document).table();
-}
 
 std::string lineEndOf(std::string_view text) { return text.find("\r\n") == std::string_view::npos ? "\n" : "\r\n"; }
 
@@ -60,11 +36,13 @@ std::size_t lineWith(std::string_view text, std::string_view marker, std::size_t
   return std::string_view::npos;
 }
 
-/// `text` without the block. One that ends the file without a line end took the place of a last line without one.
+/// `text` without the block. A marker that begins one and has no end of its own stays: what follows it is not ours. One
+/// that ends the file without a line end took the place of a last line without one.
 std::string without(std::string_view text, const Block& block) {
-  const std::size_t begin = lineWith(text, block.begin, 0);
+  std::size_t begin = lineWith(text, block.begin, 0);
   const std::size_t last = begin == std::string_view::npos ? begin : lineWith(text, block.end, begin);
   if (last == std::string_view::npos) return std::string(text);
+  for (std::size_t next = begin; next < last; next = lineWith(text, block.begin, next + 1)) begin = next;
   const std::size_t lineEnd = text.find('\n', last);
   std::string head(text.substr(0, begin));
   if (lineEnd != std::string_view::npos) return head + std::string(text.substr(lineEnd + 1));
@@ -105,8 +83,7 @@ std::optional<Ran> notifyOf(const toml::table& config) {
   if (node == nullptr) return std::nullopt;
   const toml::array* words = node->as_array();
   if (words == nullptr || words->empty()) return Ran{};
-  const auto last = words->back().value<std::string>();
-  return Ran{words->front().value<std::string>().value_or(""), words->size() > 1 && last == "notify"};
+  return Ran{tomlText(words->get(0)).value_or(""), words->size() > 1 && tomlText(&words->back()) == "notify"};
 }
 
 bool isOurs(const Ran& ran, std::string_view program) { return ran.asOurs && isOurProgram(ran.program, program); }
@@ -114,15 +91,15 @@ bool isOurs(const Ran& ran, std::string_view program) { return ran.asOurs && isO
 ServerState serverState(const toml::table& config, std::string_view program) {
   const auto server = config.at_path("mcp_servers.brindle");
   if (!server) return ServerState::absent;
-  const auto command = server.at_path("command").value<std::string>();
-  const auto word = server.at_path("args[0]").value<std::string>();
+  const auto command = tomlText(server.at_path("command").node());
+  const auto word = tomlText(server.at_path("args[0]").node());
   if (!command || word != "mcp" || !isOurProgram(*command, program)) return ServerState::foreign;
   return *command == program ? ServerState::same : ServerState::stale;
 }
 
 void addNotify(EditedText& edited, std::string_view program) {
   const std::string bare = without(edited.text, kNotify);
-  const auto config = parsed(bare);
+  const auto config = parseToml(bare);
   if (!config) return;  // the markers stood elsewhere than around our lines
   const auto ran = notifyOf(*config);
   if (!ran) {
@@ -135,7 +112,7 @@ void addNotify(EditedText& edited, std::string_view program) {
 
 void addServer(EditedText& edited, std::string_view program) {
   const std::string bare = without(edited.text, kServer);
-  const auto config = parsed(bare);
+  const auto config = parseToml(bare);
   if (!config) return;
   switch (serverState(*config, program)) {
     case ServerState::absent:
@@ -154,13 +131,13 @@ void addServer(EditedText& edited, std::string_view program) {
 
 EditedText withCodexParts(std::string_view config, const CodexParts& parts) {
   EditedText edited{.text = std::string(config)};
-  if (!parsed(config)) {
+  if (!parseToml(config)) {
     edited.problem = "not valid TOML";
     return edited;
   }
   addNotify(edited, parts.program);
   if (parts.server) addServer(edited, parts.program);
-  const auto after = parsed(edited.text);
+  const auto after = parseToml(edited.text);
   const auto ran = after ? notifyOf(*after) : std::nullopt;
   if (!after || !ran) return {.text = std::string(config), .problem = "nothing can be added to it as it is written"};
   return edited;
@@ -168,12 +145,12 @@ EditedText withCodexParts(std::string_view config, const CodexParts& parts) {
 
 EditedText withoutCodexParts(std::string_view config, const CodexParts& parts) {
   EditedText edited{.text = std::string(config)};
-  if (!parsed(config)) {
+  if (!parseToml(config)) {
     edited.problem = "not valid TOML";
     return edited;
   }
   std::string bare = without(without(config, kServer), kNotify);
-  const auto after = parsed(bare);
+  const auto after = parseToml(bare);
   if (!after) {
     edited.problem = "without the lines between the markers it would not be valid TOML";
     return edited;
@@ -191,7 +168,7 @@ EditedText withoutCodexParts(std::string_view config, const CodexParts& parts) {
 }
 
 ServerState tomlServerState(std::string_view config, std::string_view program) {
-  const auto table = parsed(config);
+  const auto table = parseToml(config);
   return table ? serverState(*table, program) : ServerState::absent;
 }
 

@@ -72,10 +72,10 @@ int runSetupCommand(const Arguments& arguments, CommandContext& context) {
   take("--dry-run", SetupAction::dryRun);
   take("--apply", SetupAction::apply);
   take("--undo", SetupAction::undo);
-  if (actions > 1) return wrongUsage(context, "setup: expected one of --dry-run, --apply and --undo");
+  if (actions > 1) return wrongUsage(context, "expected one of --dry-run, --apply and --undo");
   const Result<std::string> program = executablePath();
   if (!program) {
-    context.output.remark("setup: " + program.error().message());
+    context.output.remark(program.error().message());
     return ExitCode::kFailure;
   }
   const SetupMachine machine{
@@ -101,10 +101,10 @@ constinit const Command kSetupCommand = {
     .summary = "connects coding agents to brindle",
     .usage = "[claude|cursor|codex] [--dry-run|--apply|--undo]",
     .details =
-        "Without an option it prints what to paste or to run. --apply does it: hooks for Claude Code, the notify\n"
-        "command of Codex, and the MCP server for all three, by the agents' own commands where they are\n"
-        "installed. Only entries of brindle are changed; everything else keeps its bytes, and a copy of the\n"
-        "original is kept until --undo. CLAUDE_CONFIG_DIR and CODEX_HOME are followed. Exit status 1: something\n"
+        "Without an option it prints what to paste or to run. --apply does it: hooks for Claude Code, the notify "
+        "command of Codex, and the MCP server for all three, by the agents' own commands where they are "
+        "installed. Only entries of brindle are changed; everything else keeps its bytes, and a copy of the "
+        "original is kept until --undo. CLAUDE_CONFIG_DIR and CODEX_HOME are followed. Exit status 1: something "
         "was left alone because it belongs to another program.",
     .options = kOptions,
     .arguments = kArguments,

@@ -19,9 +19,9 @@ int problem(const HelperProblem& problem, CommandContext& context) {
 
 int off(const Arguments& arguments, EventLoop& loop, CommandContext& context) {
   const auto [duration, wrong] = holdDuration(arguments.value("--for"));
-  if (!wrong.empty()) return wrongUsage(context, "sleep: " + wrong);
+  if (!wrong.empty()) return wrongUsage(context, wrong);
   const BatteryFloor floor = batteryFloorOf(arguments.value("--battery-floor"));
-  if (!floor.problem.empty()) return wrongUsage(context, "sleep: " + floor.problem);
+  if (!floor.problem.empty()) return wrongUsage(context, floor.problem);
   const auto client = connectToHelper(loop);
   LoopHoldTimer timer(loop);
   PolicyPowerGate gate(loop, floor.percent, readPowerAndHeat);
@@ -70,7 +70,7 @@ int runSleep(const Arguments& arguments, CommandContext& context) {
   const std::string& verb = arguments.words[0];
   for (const std::string_view option : {"--for", "--battery-floor"}) {
     if (verb != "off" && arguments.has(option)) {
-      return wrongUsage(context, "sleep: " + std::string(option) + " goes with off only");
+      return wrongUsage(context, std::string(option) + " goes with off only");
     }
   }
   auto loop = EventLoop::create();
@@ -85,13 +85,13 @@ int runSleep(const Arguments& arguments, CommandContext& context) {
 
 constexpr std::string_view kVerbs[] = {"off", "on", "status"};
 constexpr ArgumentSpec kArguments[] = {{.name = "off|on|status",
-                                        .help = "hold sleep off until interrupted, switch it on, or say how it is",
+                                        .help = "holds sleep off until interrupted, switches it on, or says how it is",
                                         .choices = kVerbs}};
 constexpr OptionSpec kOptions[] = {
     {.name = "--for", .value = "DURATION", .help = "how long sleep stays off at most, 12h or less; 4h when not given"},
     {.name = "--battery-floor",
      .value = "PERCENT",
-     .help = "let go at this charge on battery, 5 to 90; 20 when not given"}};
+     .help = "lets go at this charge on battery, 5 to 90; 20 when not given"}};
 
 }  // namespace
 
@@ -100,11 +100,13 @@ constinit const Command kSleepCommand = {
     .summary = "switches system sleep off or on, or tells which it is",
     .usage = "off [--for DURATION] [--battery-floor PERCENT]\non\nstatus",
     .details =
-        "'off' holds sleep off as long as it runs, the lid closed or not, and lets go however it ends: after\n"
-        "the time, at Ctrl-C, or killed. Its exit status is 0 when the time is over, 128 and the number of the\n"
-        "signal that interrupted it, and 1 when an earlier hold has used up its time and sleep must be switched\n"
-        "on first. 'on' switches sleep on, whoever holds it off; a holder that goes on asks again within half a\n"
-        "minute. 'status' exits with 0 while sleep is off and with 1 while it is on.",
+        "'off' holds sleep off as long as it runs, the lid closed or not, and lets go however it ends: after "
+        "the time, at Ctrl-C, or killed. Its exit status is 0 when the time is over, 128 and the number of the "
+        "signal that interrupted it, and 1 when an earlier hold has used up its time and sleep must be switched "
+        "on first.\n\n"
+        "'on' switches sleep on, whoever holds it off; a holder that goes on asks again within half a "
+        "minute.\n\n"
+        "'status' exits with 0 while sleep is off and with 1 while it is on.",
     .options = kOptions,
     .arguments = kArguments,
     .run = runSleep};

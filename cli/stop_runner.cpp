@@ -1,16 +1,16 @@
 #include "cli/stop_runner.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <set>
 #include <vector>
 
+#include "base/stream.h"
 #include "cli/exit_code.h"
+#include "cli/report_commands.h"
 #include "cli/report_text.h"
-#include "cli/text_table.h"
+#include "cli/shown_table.h"
 #include "inventory/valid_text.h"
 #include "logic/reports/stop_confirm.h"
 #include "logic/sessions/byte_text.h"
@@ -23,8 +23,6 @@ namespace {
 using Align = TextTable::Align;
 using Decision = StopConfirm::Decision;
 
-constexpr std::size_t kNameWidth = 24;
-constexpr std::size_t kCommandWidth = 50;
 /// The longest answer that is read; more declines.
 constexpr std::size_t kAnswerLimit = 64;
 
@@ -32,9 +30,8 @@ std::optional<std::string> readAnswer() {
   std::string line;
   for (;;) {
     char each = 0;
-    const ssize_t count = ::read(STDIN_FILENO, &each, 1);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return line.empty() ? std::nullopt : std::optional(line);
+    const Result<std::size_t> count = readSome(kStandardInput, {&each, 1});
+    if (!count || *count == 0) return line.empty() ? std::nullopt : std::optional(line);
     if (each == '\n') return line;
     if (line.size() <= kAnswerLimit) line += each;
   }
@@ -98,11 +95,36 @@ int carryOut(const StopList& list, bool force, CommandContext& context) {
     context.output.remark("nothing was stopped: it had all ended already");
     return ExitCode::kNegative;
   }
-  if (!allGone && !force) context.output.remark("some processes still run: --force ends them without asking them");
+  if (!allGone && !force) context.output.remark("some processes still run; --force kills them");
   return allGone ? ExitCode::kDone : ExitCode::kNegative;
 }
 
 }  // namespace
+
+std::string stopUsageProblem(const Arguments& arguments) {
+  if (!arguments.has("--stop")) {
+    for (const OptionSpec& option : {kYesOption, kForceOption, kDryRunOption}) {
+      if (arguments.has(option.name)) return std::string(option.name) + " goes with --stop only";
+    }
+    return {};
+  }
+  if (arguments.has("--json") || arguments.has("--watch") || arguments.has("--snapshot")) {
+    return "--stop does not go with --json, --watch or --snapshot";
+  }
+  return reportOptionsOf(arguments).problem;
+}
+
+std::optional<HostSnapshot> livingSnapshot(CommandContext& context) {
+  auto snapshot = snapshotFor({}, ListingDetail::everything, context.environment);
+  if (!snapshot) {
+    context.output.remark(snapshot.error());
+    return std::nullopt;
+  }
+  remarkUnreadSettings(context);
+  // A failure costs evidence later, not this command.
+  (void)rememberOwners(context.environment, *snapshot).has_value();
+  return std::move(*snapshot);
+}
 
 std::unordered_set<std::int32_t> ownChain() {
   std::unordered_set<std::int32_t> pids{static_cast<std::int32_t>(::getpid())};
@@ -114,17 +136,15 @@ std::string stopListText(const StopList& list, const Output& output) {
   TextTable table({{"PID", Align::right},
                    {"NAME", Align::left, kNameWidth},
                    {"MEMORY", Align::right},
-                   {"PORTS"},
-                   {"LEFT ALONE"},
+                   {"PORTS", Align::left, kPortsWidth},
+                   {"LEFT ALONE", Align::left, kReasonWidth},
                    {"COMMAND", Align::left, kCommandWidth}});
   for (const StopItem& item : list.items) {
     table.add({std::to_string(item.pid), item.name, ByteText::text(item.footprint), ReportText::portList(item.ports),
                item.leftAlone.value_or(""), item.commandLine});
   }
   if (table.empty()) return list.summary() + "\n";
-  const std::string text = table.text();
-  const std::size_t end = text.find('\n');
-  return output.painted(Paint::bold, text.substr(0, end)) + text.substr(end) + "\n" + list.summary() + "\n";
+  return shownTable(table, output) + "\n" + list.summary() + "\n";
 }
 
 int runStop(const StopList& list, const Arguments& arguments, CommandContext& context) {
@@ -135,7 +155,10 @@ int runStop(const StopList& list, const Arguments& arguments, CommandContext& co
                             .interactive = context.terminals.input && context.terminals.error};
   const Decision decision = confirm.decide([&] {
     context.output.printRemark("Stop " + ReportText::counted(list.stopping(), "process", "processes") + "? [y/N] ");
-    return readAnswer();
+    std::optional<std::string> answer = readAnswer();
+    // At the end of the input the question's line is still open.
+    if (!answer) context.output.printRemark("\n");
+    return answer;
   });
   switch (decision) {
     case Decision::proceed:

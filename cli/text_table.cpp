@@ -12,6 +12,8 @@ namespace brindle {
 namespace {
 
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
+/// Blanks between two columns.
+constexpr std::size_t kGap = 2;
 
 /// The scalars of a character together take the columns of its widest one.
 std::size_t characterWidth(std::string_view character) {
@@ -61,27 +63,50 @@ std::string fitted(std::string_view text, std::size_t columns) {
 }
 
 void TextTable::add(std::vector<std::string> cells) {
-  for (std::size_t at = 0; at < cells.size(); ++at) {
-    cells[at] = terminalText(cells[at]);
-    if (columns_[at].widest > 0) cells[at] = fitted(cells[at], columns_[at].widest);
-  }
+  for (std::string& cell : cells) cell = terminalText(cell);
   rows_.push_back(std::move(cells));
 }
 
-std::string TextTable::text() const {
-  std::vector<std::size_t> widths(columns_.size(), 0);
+std::vector<std::size_t> TextTable::widthsIn(std::size_t room) const {
+  std::vector<std::size_t> wanted(columns_.size(), 0);
   for (const auto& row : rows_) {
-    for (std::size_t at = 0; at < row.size(); ++at) widths[at] = std::max(widths[at], shownWidth(row[at]));
+    for (std::size_t at = 0; at < row.size(); ++at) wanted[at] = std::max(wanted[at], shownWidth(row[at]));
   }
+  std::vector<std::size_t> widths = wanted;
+  std::size_t line = 0;
+  std::size_t last = 0;
+  for (std::size_t at = 0; at < widths.size(); ++at) {
+    if (widths[at] == 0) continue;
+    if (columns_[at].widest > 0) widths[at] = std::min(widths[at], columns_[at].widest);
+    widths[at] = std::max(widths[at], shownWidth(columns_[at].heading));
+    line += widths[at] + (line == 0 ? 0 : kGap);
+    last = at;
+  }
+  if (room == 0) return widths;
+  if (line < room && widths[last] < wanted[last]) widths[last] = std::min(wanted[last], widths[last] + room - line);
+  for (; line > room; --line) {
+    std::size_t widest = widths.size();
+    for (std::size_t at = 0; at < widths.size(); ++at) {
+      const bool shrinks =
+          columns_[at].widest > 0 && widths[at] > std::max(kNarrowest, shownWidth(columns_[at].heading));
+      if (shrinks && (widest == widths.size() || widths[at] > widths[widest])) widest = at;
+    }
+    if (widest == widths.size()) break;
+    --widths[widest];
+  }
+  return widths;
+}
+
+std::string TextTable::text(std::size_t room) const {
+  const std::vector<std::size_t> widths = widthsIn(room);
   std::string text;
   const auto addLine = [&](const auto& cellAt) {
     std::string line;
     for (std::size_t at = 0; at < columns_.size(); ++at) {
       if (widths[at] == 0) continue;
-      const std::string& cell = cellAt(at);
-      const std::size_t width = std::max(widths[at], shownWidth(columns_[at].heading));
-      const std::string padding(width - shownWidth(cell), ' ');
-      if (!line.empty()) line += "  ";
+      const std::string cell = fitted(cellAt(at), widths[at]);
+      const std::string padding(widths[at] - shownWidth(cell), ' ');
+      if (!line.empty()) line += std::string(kGap, ' ');
       line += columns_[at].align == Align::right ? padding + cell : cell + padding;
     }
     text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";

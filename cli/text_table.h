@@ -17,7 +17,7 @@ class TextTable {
   struct Column {
     std::string heading;
     Align align = Align::left;
-    /// Cells are cut to this many columns with "…" at the end; 0 is no limit.
+    /// Cells are cut to this many columns with "…" at the end, and to fewer where a line would not fit; 0 is never.
     std::size_t widest = 0;
   };
 
@@ -28,10 +28,16 @@ class TextTable {
   [[nodiscard]] bool empty() const { return rows_.empty(); }
 
   /// Heading and rows, two blanks between columns, no blanks at the ends of lines; each line with its end. Columns
-  /// without a single filled cell are left out.
-  [[nodiscard]] std::string text() const;
+  /// without a single filled cell are left out. Lines fit into `room` terminal columns as far as the cells may be cut:
+  /// the widest first, none below its heading and kNarrowest. The last column may have what is left over. No room is
+  /// no limit.
+  [[nodiscard]] std::string text(std::size_t room = 0) const;
+
+  static constexpr std::size_t kNarrowest = 8;
 
  private:
+  [[nodiscard]] std::vector<std::size_t> widthsIn(std::size_t room) const;
+
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
 };

@@ -1,7 +1,8 @@
 #include "inventory/agent_recognition.h"
 
 #include <algorithm>
-#include <charconv>
+
+#include "base/number_text.h"
 
 namespace brindle {
 namespace {
@@ -80,13 +81,16 @@ std::vector<AgentKind> agentsNamedByVariables(const ProcessFacts& facts) {
   return kinds;
 }
 
+std::optional<std::int32_t> ownerPidFrom(std::string_view text) {
+  const auto pid = wholeFromText<std::int32_t>(text);
+  return pid && *pid > 1 ? pid : std::nullopt;
+}
+
 std::optional<std::int32_t> ownerPidOf(const AgentRow& row, const ProcessFacts& facts) {
   for (const std::string_view name : row.ownerVariables) {
     const auto text = facts.variable(name);
     if (!text) continue;
-    std::int32_t pid = 0;
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), pid);
-    if (error == std::errc{} && end == text->data() + text->size() && pid > 1) return pid;
+    if (const auto pid = ownerPidFrom(*text)) return pid;
   }
   return std::nullopt;
 }

@@ -45,7 +45,10 @@ struct AgentOnChain {
 /// variable it sets.
 [[nodiscard]] std::vector<AgentKind> agentsNamedByVariables(const ProcessFacts& facts);
 
-/// The pid in the first of the agent's owner variables that is set to a whole number above 1.
+/// The pid that the value of an owner variable names: a whole number above 1.
+[[nodiscard]] std::optional<std::int32_t> ownerPidFrom(std::string_view text);
+
+/// The pid in the first of the agent's owner variables that names one.
 [[nodiscard]] std::optional<std::int32_t> ownerPidOf(const AgentRow& row, const ProcessFacts& facts);
 
 }  // namespace brindle

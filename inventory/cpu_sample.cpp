@@ -1,23 +1,16 @@
 #include "inventory/cpu_sample.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <utility>
 
+#include "base/lines.h"
 #include "base/number_text.h"
 
 namespace brindle {
 namespace {
 
 constexpr std::string_view kHead = "brindle-cpu-1 ";
-
-std::string_view takeUntil(std::string_view& rest, char separator) {
-  const std::size_t end = std::min(rest.find(separator), rest.size());
-  const std::string_view piece = rest.substr(0, end);
-  rest.remove_prefix(std::min(end + 1, rest.size()));
-  return piece;
-}
 
 }  // namespace
 
@@ -51,18 +44,18 @@ std::string cpuSampleText(const CpuSample& sample) {
 }
 
 CpuSample cpuSampleFrom(std::string_view text) {
-  std::string_view head = takeUntil(text, '\n');
+  std::string_view head = takePiece(text, '\n');
   if (!head.starts_with(kHead)) return {};
   head.remove_prefix(kHead.size());
   CpuSample sample;
-  sample.boot = takeUntil(head, ' ');
+  sample.boot = takePiece(head, ' ');
   const auto at = doubleFromText(head);
   if (!at) return {};
   sample.at = Seconds{*at};
   while (!text.empty() && sample.seconds.size() < kCpuSampleLimit) {
-    std::string_view line = takeUntil(text, '\n');
-    const auto pid = integerFromText(takeUntil(line, ' '));
-    const auto start = integerFromText(takeUntil(line, ' '));
+    std::string_view line = takePiece(text, '\n');
+    const auto pid = integerFromText(takePiece(line, ' '));
+    const auto start = integerFromText(takePiece(line, ' '));
     const auto seconds = doubleFromText(line);
     if (!pid || !start || !seconds || *pid < 1 || *pid > std::numeric_limits<std::int32_t>::max()) continue;
     sample.seconds.try_emplace({static_cast<std::int32_t>(*pid), *start}, *seconds);

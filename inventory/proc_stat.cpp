@@ -1,7 +1,9 @@
 #include "inventory/proc_stat.h"
 
-#include <charconv>
+#include <algorithm>
 #include <limits>
+
+#include "base/number_text.h"
 
 namespace brindle {
 namespace {
@@ -24,11 +26,9 @@ class Fields {
 
   template <typename Number>
   Number number() {
-    const std::string_view field = next();
-    Number value = 0;
-    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
-    if (error != std::errc{} || end != field.data() + field.size()) failed_ = true;
-    return value;
+    const auto value = wholeFromText<Number>(next());
+    if (!value) failed_ = true;
+    return value.value_or(0);
   }
 
   void skip(int count) {

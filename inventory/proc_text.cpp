@@ -1,26 +1,15 @@
 #include "inventory/proc_text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
+
+#include "base/lines.h"
+#include "base/number_text.h"
 
 namespace brindle {
 namespace {
 
-std::optional<std::uint64_t> unsignedFrom(std::string_view text) {
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
-
-/// The next piece up to `separator`, which is taken away with it.
-std::string_view takePiece(std::string_view& rest, char separator) {
-  const std::size_t end = std::min(rest.find(separator), rest.size());
-  const std::string_view piece = rest.substr(0, end);
-  rest.remove_prefix(std::min(end + 1, rest.size()));
-  return piece;
-}
+std::optional<std::uint64_t> unsignedFrom(std::string_view text) { return wholeFromText<std::uint64_t>(text); }
 
 }  // namespace
 

@@ -1,10 +1,5 @@
 #include "inventory/project_name.h"
 
-// The parser is header-only and reports errors as values.
-#define TOML_EXCEPTIONS 0
-#define TOML_HEADER_ONLY 1
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <array>
 #include <span>
@@ -14,12 +9,10 @@
 #include "base/json_reader.h"
 #include "base/json_record.h"
 #include "base/text.h"
+#include "inventory/toml_table.h"
 
 namespace brindle {
 namespace {
-
-/// Brackets nested deeper than a manifest ever has; the TOML parser recurses into them.
-constexpr int kTomlDepthLimit = 64;
 
 std::optional<std::string> named(std::optional<std::string> name) {
   if (!name) return std::nullopt;
@@ -34,22 +27,11 @@ std::optional<std::string> nameInJson(std::string_view text) {
   return named(stringMember(*document->object(), "name"));
 }
 
-bool nestsTooDeep(std::string_view text) {
-  int depth = 0;
-  for (const char each : text) {
-    if (each == '[' || each == '{') ++depth;
-    if ((each == ']' || each == '}') && depth > 0) --depth;
-    if (depth > kTomlDepthLimit) return true;
-  }
-  return false;
-}
-
 std::optional<std::string> nameInToml(std::string_view text, std::span<const std::string_view> places) {
-  if (nestsTooDeep(text)) return std::nullopt;
-  const toml::parse_result document = toml::parse(text);
+  const std::optional<toml::table> document = parseToml(text);
   if (!document) return std::nullopt;
   for (const std::string_view place : places) {
-    if (auto name = named(document.table().at_path(place).value<std::string>())) return name;
+    if (auto name = named(tomlText(document->at_path(place).node()))) return name;
   }
   return std::nullopt;
 }

@@ -1,19 +1,12 @@
 #include "inventory/tcp_sockets.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
+
+#include "base/number_text.h"
 
 namespace brindle {
 namespace {
-
-template <typename Number>
-std::optional<Number> numberFrom(std::string_view text, int base) {
-  Number value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
 
 std::string_view takeField(std::string_view& line) {
   line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
@@ -38,12 +31,12 @@ std::optional<TcpSocket> socketFrom(std::string_view line) {
   takeField(line);  // remote end
   const std::string_view state = takeField(line);
   for (int each = 0; each < 3; ++each) takeField(line);  // queues, timer, retransmissions
-  const auto uid = numberFrom<std::uint32_t>(takeField(line), 10);
+  const auto uid = wholeFromText<std::uint32_t>(takeField(line));
   takeField(line);  // timeout
-  const auto inode = numberFrom<std::uint64_t>(takeField(line), 10);
+  const auto inode = wholeFromText<std::uint64_t>(takeField(line));
   const std::size_t colon = local.find(':');
   if (colon == std::string_view::npos || !uid || !inode) return std::nullopt;
-  const auto port = numberFrom<std::uint16_t>(local.substr(colon + 1), 16);
+  const auto port = wholeFromText<std::uint16_t>(local.substr(colon + 1), 16);
   const auto loopback = isLoopback(local.substr(0, colon));
   if (!port || !loopback || (state != "0A" && state != "01")) return std::nullopt;
   return TcpSocket{state == "0A" ? TcpState::listening : TcpState::established, *port, *loopback, *uid, *inode};

@@ -1,7 +1,7 @@
 #include "inventory/valid_text.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <array>
 
 #include "base/text.h"
 
@@ -10,46 +10,42 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-/// The well-formed sequence at the beginning of `text`; empty when there is none.
-std::string_view firstSequence(std::string_view text) {
-  for (std::size_t length = 1; length <= std::min<std::size_t>(4, text.size()); ++length) {
-    if (isValidUtf8(text.substr(0, length))) return text.substr(0, length);
-  }
-  return {};
-}
-
-std::uint32_t scalarOf(std::string_view sequence) {
-  const auto byte = [&](std::size_t at) {
-    return static_cast<std::uint32_t>(static_cast<unsigned char>(sequence[at]));
-  };
-  switch (sequence.size()) {
-    case 2:
-      return (byte(0) & 0x1F) << 6 | (byte(1) & 0x3F);
-    case 3:
-      return (byte(0) & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F);
-    case 4:
-      return (byte(0) & 0x07) << 18 | (byte(1) & 0x3F) << 12 | (byte(2) & 0x3F) << 6 | (byte(3) & 0x3F);
-    default:
-      return byte(0);
-  }
-}
-
-bool isHidden(std::uint32_t scalar) {
-  return scalar == 0x061C || (scalar >= 0x200B && scalar <= 0x200F) || (scalar >= 0x2028 && scalar <= 0x202E) ||
-         (scalar >= 0x2060 && scalar <= 0x2069) || scalar == 0xFEFF;
-}
-
-bool isControl(std::uint32_t scalar) { return scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0); }
+struct Range {
+  std::uint32_t first;
+  std::uint32_t last;
+};
+/// Soft hyphen, Arabic letter mark, Mongolian vowel separator, zero-width and directional marks, embeddings and
+/// overrides, word joiner, invisible operators and isolates, variation selectors, byte-order mark, interlinear
+/// annotation, tags and their supplement.
+constexpr auto kInvisible = std::to_array<Range>({{0xAD, 0xAD},
+                                                  {0x61C, 0x61C},
+                                                  {0x180E, 0x180E},
+                                                  {0x200B, 0x200F},
+                                                  {0x202A, 0x202E},
+                                                  {0x2060, 0x206F},
+                                                  {0xFE00, 0xFE0F},
+                                                  {0xFEFF, 0xFEFF},
+                                                  {0xFFF9, 0xFFFB},
+                                                  {0xE0000, 0xE01EF}});
 
 }  // namespace
+
+bool isInvisible(std::uint32_t scalar) {
+  return std::ranges::any_of(kInvisible,
+                             [&](const Range& range) { return scalar >= range.first && scalar <= range.last; });
+}
+
+bool isControl(std::uint32_t scalar) {
+  return scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0) || scalar == 0x2028 || scalar == 0x2029;
+}
 
 std::string validText(std::string_view text) {
   if (isValidUtf8(text)) return std::string(text);
   std::string valid;
   while (!text.empty()) {
-    const std::string_view sequence = firstSequence(text);
-    valid += sequence.empty() ? kReplacement : sequence;
-    text.remove_prefix(std::max<std::size_t>(1, sequence.size()));
+    const std::size_t length = scalarLength(text);
+    valid += length == 0 ? kReplacement : text.substr(0, length);
+    text.remove_prefix(std::max<std::size_t>(1, length));
   }
   return valid;
 }
@@ -59,19 +55,16 @@ std::string terminalText(std::string_view text) {
   if (std::ranges::all_of(text, plain)) return std::string(text);
   std::string clean;
   while (!text.empty()) {
-    const std::string_view sequence = firstSequence(text);
-    text.remove_prefix(std::max<std::size_t>(1, sequence.size()));
-    if (sequence.empty()) {
+    const std::uint32_t scalar = scalarValue(text);
+    const std::size_t length = scalarLength(text);
+    if (length == 0) {
       clean += kReplacement;
-      continue;
-    }
-    const std::uint32_t scalar = scalarOf(sequence);
-    if (isHidden(scalar)) continue;
-    if (isControl(scalar)) {
+    } else if (isControl(scalar)) {
       clean += ' ';
-    } else {
-      clean += sequence;
+    } else if (!isInvisible(scalar)) {
+      clean += text.substr(0, length);
     }
+    text.remove_prefix(std::max<std::size_t>(1, length));
   }
   return clean;
 }

@@ -3,17 +3,23 @@
 // Used where process names, paths and command lines become records. Pure.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace brindle {
 
+/// Whether a character shows nothing and changes how the rest is read: it hides text, joins it or turns its direction.
+[[nodiscard]] bool isInvisible(std::uint32_t scalar);
+
+/// Whether it is a C0 or C1 control, DEL, or one of the two separators that break lines.
+[[nodiscard]] bool isControl(std::uint32_t scalar);
+
 /// `text` with each byte that belongs to no well-formed UTF-8 sequence replaced by U+FFFD.
 [[nodiscard]] std::string validText(std::string_view text);
 
-/// One line that cannot steer a terminal: control characters become blanks, escape sequences lose their escape,
-/// characters that change the direction or are invisible (U+061C, U+200B to U+200F, U+2028 to U+202E, U+2060 to
-/// U+2069, U+FEFF) are left out, invalid bytes are U+FFFD.
+/// One line that cannot steer a terminal: control characters become blanks, so that escape sequences lose their escape,
+/// invisible characters are left out, invalid bytes are U+FFFD.
 [[nodiscard]] std::string terminalText(std::string_view text);
 
 }  // namespace brindle

@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 
+#include "base/number_text.h"
 #include "inventory/proc_text.h"
 
 namespace brindle {
@@ -33,13 +33,6 @@ Name nameOf(std::int32_t pid, const char* file) {
   return name;
 }
 
-std::optional<std::int32_t> numberFrom(std::string_view text) {
-  std::int32_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 Folder openFolder(int root, const char* name) {
   Descriptor file(::openat(root, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!file) return nullptr;
@@ -54,7 +47,7 @@ std::vector<std::int32_t> numbersIn(int root, const char* name, std::size_t limi
   if (!folder) return found;
   while (const dirent* entry = ::readdir(folder.get())) {
     if (found.size() == limit) break;
-    const auto number = numberFrom(entry->d_name);
+    const auto number = wholeFromText<std::int32_t>(entry->d_name);
     if (number && *number > 0) found.push_back(*number);
   }
   std::ranges::sort(found);

@@ -114,20 +114,18 @@ AgentsDocument agents(const ReportSnapshot& snapshot, Date now) {
   AgentsDocument document;
   document.sessions.reserve(snapshot.sessions.size());
   for (const AgentSession& session : snapshot.sessions) document.sessions.push_back(documentOf(session, now));
-  document.leftBehind.reserve(snapshot.leftBehind.size());
-  for (const LeftBehind& ghost : snapshot.leftBehind) {
-    document.leftBehind.push_back({.pid = ghost.process.pid,
-                                   .command = ghost.process.commandLine,
-                                   .origin = ghost.origin,
-                                   .memoryBytes = ghost.process.footprint,
-                                   .ports = ghost.process.ports});
-  }
+  document.leftBehind = leftBehindRows(snapshot.leftBehind);
   return document;
+}
+
+GhostsDocument ghosts(const ReportSnapshot& snapshot, const std::vector<LeftBehind>& likely) {
+  return {.leftBehind = leftBehindRows(snapshot.leftBehind), .likely = leftBehindRows(likely)};
 }
 
 std::string jsonText(const StatusDocument& document) { return writeJson(encode(document), kDocumentStyle); }
 std::string jsonText(const PortsDocument& document) { return writeJson(encode(document), kDocumentStyle); }
 std::string jsonText(const AgentsDocument& document) { return writeJson(encode(document), kDocumentStyle); }
 std::string jsonText(const IdleDocument& document) { return writeJson(encode(document), kDocumentStyle); }
+std::string jsonText(const GhostsDocument& document) { return writeJson(encode(document), kDocumentStyle); }
 
 }  // namespace brindle::CLIReports

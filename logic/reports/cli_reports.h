@@ -22,11 +22,15 @@ namespace brindle::CLIReports {
 /// Sessions and processes left behind in the snapshot's order. Uptimes are truncated toward zero; see wholeSeconds.
 [[nodiscard]] AgentsDocument agents(const ReportSnapshot& snapshot, Date now);
 
+/// What was left behind, and what perhaps was, in their order.
+[[nodiscard]] GhostsDocument ghosts(const ReportSnapshot& snapshot, const std::vector<LeftBehind>& likely);
+
 /// Pretty-printed, keys sorted, slashes as they are; no line end after it. Texts that are not valid UTF-8 must have
 /// been cleaned by the host.
 [[nodiscard]] std::string jsonText(const StatusDocument& document);
 [[nodiscard]] std::string jsonText(const PortsDocument& document);
 [[nodiscard]] std::string jsonText(const AgentsDocument& document);
 [[nodiscard]] std::string jsonText(const IdleDocument& document);
+[[nodiscard]] std::string jsonText(const GhostsDocument& document);
 
 }  // namespace brindle::CLIReports

@@ -1,14 +1,15 @@
 #include "logic/reports/report_documents.h"
 
 #include "base/json_record.h"
+#include "logic/reports/encode_rows.h"
 #include "logic/sessions/record_json.h"
 
 namespace brindle {
-namespace {
 
 // Keys are appended in alphabetical order, the order in which they are written: sorting them then costs nothing.
+// The rows' encoders are found by their argument, which an unnamed namespace would prevent.
 
-JsonObject encodeRow(const PortListener& listener) {
+static JsonObject encode(const PortListener& listener) {
   JsonObject object;
   object.append("name", listener.name);
   object.append("ownedByCurrentUser", listener.ownedByCurrentUser);
@@ -19,7 +20,7 @@ JsonObject encodeRow(const PortListener& listener) {
   return object;
 }
 
-JsonObject encodeRow(const AgentChildDocument& child) {
+static JsonObject encode(const AgentChildDocument& child) {
   JsonObject object;
   object.append("kind", child.kind);
   object.append("memoryBytes", unsignedNumber(child.memoryBytes));
@@ -29,17 +30,7 @@ JsonObject encodeRow(const AgentChildDocument& child) {
   return object;
 }
 
-JsonObject encodeRow(const LeftBehindDocument& process) {
-  JsonObject object;
-  object.append("command", process.command);
-  object.append("memoryBytes", unsignedNumber(process.memoryBytes));
-  object.append("origin", process.origin);
-  object.append("pid", process.pid);
-  object.append("ports", portsToJson(process.ports));
-  return object;
-}
-
-JsonObject encodeRow(const IdleRow& row) {
+static JsonObject encode(const IdleRow& row) {
   JsonObject object;
   object.append("memoryBytes", unsignedNumber(row.memoryBytes));
   object.append("name", row.name);
@@ -51,10 +42,7 @@ JsonObject encodeRow(const IdleRow& row) {
   return object;
 }
 
-template <typename Row>
-JsonArray encodeRows(const std::vector<Row>& rows);
-
-JsonObject encodeRow(const AgentSessionDocument& session) {
+static JsonObject encode(const AgentSessionDocument& session) {
   JsonObject object;
   object.append("activity", session.activity);
   object.append("agent", session.agent);
@@ -66,16 +54,6 @@ JsonObject encodeRow(const AgentSessionDocument& session) {
   object.append("uptimeSeconds", session.uptimeSeconds);
   return object;
 }
-
-template <typename Row>
-JsonArray encodeRows(const std::vector<Row>& rows) {
-  JsonArray array;
-  array.reserve(rows.size());
-  for (const Row& row : rows) array.emplace_back(encodeRow(row));
-  return array;
-}
-
-}  // namespace
 
 JsonObject encode(const StatusDocument& document) {
   JsonObject object;

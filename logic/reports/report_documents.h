@@ -12,6 +12,7 @@
 
 #include "base/json_value.h"
 #include "logic/reports/idle_document.h"
+#include "logic/reports/left_behind_document.h"
 #include "logic/reports/report_schema.h"
 
 namespace brindle {
@@ -78,19 +79,6 @@ struct AgentSessionDocument {
   std::vector<AgentChildDocument> started;
 
   bool operator==(const AgentSessionDocument&) const = default;
-};
-
-/// A process that outlived the agent that started it.
-struct LeftBehindDocument {
-  std::int32_t pid = 0;
-  /// The process's command line.
-  std::string command;
-  /// Which agent left it behind, and how that is known.
-  std::string origin;
-  std::uint64_t memoryBytes = 0;
-  std::vector<int> ports;
-
-  bool operator==(const LeftBehindDocument&) const = default;
 };
 
 struct AgentsDocument {

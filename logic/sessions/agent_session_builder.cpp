@@ -43,7 +43,6 @@ class AgentAncestors {
  private:
   static constexpr Index kUnknown = ~Index{0};
   static constexpr Index kNobody = kUnknown - 1;
-  static constexpr Index kOnTheWay = kUnknown - 2;
 
   [[nodiscard]] std::optional<Index> above(Index index) const {
     if (processes_[index].ppid < kFirstOrdinaryPid) return std::nullopt;
@@ -60,10 +59,10 @@ class AgentAncestors {
         break;
       }
       if (nearest_[*at] != kUnknown) {
-        found = nearest_[*at] == kOnTheWay ? kNobody : nearest_[*at];
+        found = nearest_[*at];
         break;
       }
-      nearest_[*at] = kOnTheWay;
+      nearest_[*at] = kNobody;  // what is found when the way closes to a cycle
       way_.push_back(*at);
     }
     for (const Index passed : way_) nearest_[passed] = found;

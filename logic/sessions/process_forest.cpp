@@ -1,5 +1,7 @@
 #include "logic/sessions/process_forest.h"
 
+#include <numeric>
+
 namespace brindle {
 
 ProcessForest::ProcessForest(std::span<const Link> links)
@@ -19,10 +21,9 @@ ProcessForest::ProcessForest(std::span<const Link> links)
       ++childrenBegin_[*parent + 1];
     }
   }
-  for (std::size_t entry = 1; entry < childrenBegin_.size(); ++entry)
-    childrenBegin_[entry] += childrenBegin_[entry - 1];
+  std::partial_sum(childrenBegin_.begin(), childrenBegin_.end(), childrenBegin_.begin());
   children_.resize(childrenBegin_.back());
-  std::vector<Index> next(childrenBegin_.begin(), childrenBegin_.end() - 1);
+  std::vector<Index> next = childrenBegin_;
   for (Index index = 0; index < links_.size(); ++index) {
     if (parents[index] != kNone) children_[next[parents[index]]++] = index;
   }

@@ -1,10 +1,11 @@
 #include "logic/sessions/record_json.h"
 
-#include <charconv>
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <utility>
+
+#include "base/number_text.h"
 
 namespace brindle {
 
@@ -18,11 +19,7 @@ std::optional<std::uint64_t> uint64Member(const JsonObject& object, std::string_
     if (*whole < 0) return std::nullopt;
     return static_cast<std::uint64_t>(*whole);
   }
-  const std::string& text = number->text();
-  std::uint64_t large = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), large);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return large;
+  return wholeFromText<std::uint64_t>(number->text());
 }
 
 std::optional<std::uint32_t> uint32Member(const JsonObject& object, std::string_view key) {

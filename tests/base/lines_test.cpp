@@ -22,5 +22,15 @@ TEST(NonEmptyLines, OnlyByteTenEndsALine) {
   EXPECT_EQ(nonEmptyLines(text), (Lines{"a\r", text.substr(3, 10)}));
 }
 
+TEST(TakePiece, TakesTheSeparatorWithThePieceAndTheRestWhereThereIsNone) {
+  std::string_view rest = "a::b";
+  EXPECT_EQ(takePiece(rest, ':'), "a");
+  EXPECT_EQ(rest, ":b");
+  EXPECT_EQ(takePiece(rest, ':'), "");
+  EXPECT_EQ(takePiece(rest, ':'), "b");
+  EXPECT_EQ(rest, "");
+  EXPECT_EQ(takePiece(rest, ':'), "");
+}
+
 }  // namespace
 }  // namespace brindle

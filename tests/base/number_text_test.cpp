@@ -73,6 +73,18 @@ TEST(DoubleFromText, FollowsTheGrammarOfDocuments) {
   }
 }
 
+TEST(WholeFromText, TakesWhatFitsTheTypeAndNothingElse) {
+  EXPECT_EQ(wholeFromText<std::uint16_t>("65535"), 65535);
+  EXPECT_FALSE(wholeFromText<std::uint16_t>("65536"));
+  EXPECT_FALSE(wholeFromText<std::uint16_t>("-1"));
+  EXPECT_EQ(wholeFromText<std::int32_t>("-2147483648"), std::numeric_limits<std::int32_t>::min());
+  EXPECT_FALSE(wholeFromText<std::int32_t>("2147483648"));
+  EXPECT_EQ(wholeFromText<std::uint64_t>("18446744073709551615"), std::numeric_limits<std::uint64_t>::max());
+  EXPECT_EQ(wholeFromText<std::uint16_t>("1F90", 16), 8080);
+  EXPECT_FALSE(wholeFromText<std::uint16_t>("1F90"));
+  for (const char* text : {"", " 1", "1 ", "+1", "1.0", "x"}) EXPECT_FALSE(wholeFromText<std::int32_t>(text)) << text;
+}
+
 TEST(DoubleFromText, IsNoneOnlyBeyondTheLargestDouble) {
   EXPECT_EQ(doubleFromText("1.7976931348623157e308"), std::numeric_limits<double>::max());
   EXPECT_FALSE(doubleFromText("1.8e308"));

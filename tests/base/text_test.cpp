@@ -140,6 +140,16 @@ TEST(ScalarLength, IsZeroWhereNoScalarBegins) {
   EXPECT_EQ(scalarLength(std::string_view("\0", 1)), 1U);
   EXPECT_EQ(scalarLength("\xF0\x9F\x98\x80x"), 4U);
   EXPECT_EQ(scalarLength("\x80"), 0U);
+  EXPECT_EQ(scalarValue("\xF0\x9F\x98\x80x"), 0x1F600U);
+  EXPECT_EQ(scalarValue("\xE6\x97\xA5"), 0x65E5U);
+  EXPECT_EQ(scalarValue("\xC3\xA9"), 0xE9U);
+  EXPECT_EQ(scalarValue(std::string_view("\0", 1)), 0U);
+  for (const char* none : {"", "\x80", "\xC3", "\xED\xA0\x80"}) EXPECT_EQ(scalarValue(none), 0xFFFDU);
+  std::string text;
+  for (const std::uint32_t scalar : {0x41U, 0xE9U, 0x65E5U, 0x1F600U, 0xD800U, 0x110000U, 0xFFFFFFFFU}) {
+    appendScalar(text, scalar);
+  }
+  EXPECT_EQ(text, "A\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80");
 }
 
 TEST(LastPathComponent, MatchesEveryReferenceRow) {

@@ -68,6 +68,19 @@ TEST(CommandLine, LetsARawCommandReadEverythingItself) {
   EXPECT_EQ(ran({"hook", "--help", "--version", "--no-color"}), (Ran{1, "<--help><--version><--no-color>", ""}));
 }
 
+TEST(CommandLine, ShowsTheHelpOfARawCommandOnlyAtATerminalAndWhenNothingElseIsAsked) {
+  const auto atTerminal = [](const Words& words) {
+    RecordedContext recorded;
+    recorded.context.terminals.output = true;
+    const int code = runCommandLine(kAll, words, recorded.context);
+    return Ran{code, recorded.results.text, recorded.remarks.text};
+  };
+  EXPECT_EQ(atTerminal({"hook", "--help"}), (Ran{0, commandHelp(SampleCommands::kRaw), ""}));
+  EXPECT_EQ(atTerminal({"hook", "-h"}), (Ran{0, commandHelp(SampleCommands::kRaw), ""}));
+  EXPECT_EQ(atTerminal({"hook", "--help", "x"}), (Ran{1, "<--help><x>", ""}));
+  EXPECT_EQ(ran({"hook", "--help"}), (Ran{1, "<--help>", ""}));
+}
+
 TEST(CommandLine, RefusesColourBeforeAndAfterTheCommand) {
   for (const Words& words : {Words{"--no-color", "ports"}, Words{"ports", "--no-color"}}) {
     RecordedContext recorded;

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "cli/help_text.h"
+#include "cli/text_table.h"
 #include "tests/cli/sample_commands.h"
 
 namespace brindle {
@@ -74,6 +75,19 @@ TEST(CommandTable, OnlyTheLastArgumentIsRepeatedAndNoneIsRequiredAfterAnOptional
       EXPECT_TRUE(!argument.repeated || &argument == &command->arguments.back()) << command->name;
       required = argument.required;
     }
+  }
+}
+
+TEST(CommandTable, HelpFitsIntoEightyColumns) {
+  std::string texts = overallHelp(allCommands());
+  for (const Command* command : allCommands()) texts += commandHelp(*command);
+  for (std::size_t at = 0; at < texts.size();) {
+    const std::size_t end = texts.find('\n', at);
+    ASSERT_NE(end, std::string::npos);
+    const std::string line = texts.substr(at, end - at);
+    EXPECT_LE(shownWidth(line), 80U) << line;
+    EXPECT_FALSE(line.ends_with(' ')) << line;
+    at = end + 1;
   }
 }
 

@@ -50,14 +50,27 @@ TEST(CompletionScript, DescribesOptionsToZsh) {
   EXPECT_TRUE(holds(script, "':WHAT:(off on status)'"));
   EXPECT_TRUE(holds(script, "'*:MORE:_default'"));
   EXPECT_TRUE(holds(script, "'*::command:_normal'"));
+  EXPECT_TRUE(holds(script, "      run)\n        if [[ \"$words[2]\" == -- ]] && ((CURRENT > 2)); then\n"));
 }
 
 TEST(CompletionScript, DescribesOptionsToFish) {
   const std::string script = completionScript(Shell::fish, kAll);
-  EXPECT_TRUE(holds(script, "complete -c brindle -n __fish_use_subcommand -a sleep -d 'switches'\n"));
+  EXPECT_TRUE(holds(script, "complete -c brindle -n __fish_use_subcommand -f -a sleep -d 'switches'\n"));
   EXPECT_TRUE(holds(script, "-n '__fish_seen_subcommand_from sleep' -l for -r -d 'how long'\n"));
+  EXPECT_TRUE(holds(script, "_from run' -x -a '(__fish_complete_subcommand --fcs-skip=2)'\n"));
   EXPECT_TRUE(holds(script, "-l framing -r -f -a 'auto lines header' -d 'how messages are framed'\n"));
   EXPECT_TRUE(holds(script, "-n '__fish_seen_subcommand_from sleep' -f -a 'off on status' -d 'what to do'\n"));
+}
+
+TEST(CompletionScript, OffersTheNamesOfCommandsWhereOneIsMeant) {
+  static constexpr ArgumentSpec kName[] = {
+      {.name = "COMMAND", .help = "which", .required = false, .namesCommand = true}};
+  static constexpr Command kHelps = {
+      .name = "help", .summary = "helps", .arguments = kName, .run = SampleCommands::show};
+  const std::array<const Command*, 2> commands = {&SampleCommands::kBare, &kHelps};
+  EXPECT_TRUE(holds(completionScript(Shell::bash, commands), "      help) words='ports help --help --no-color' ;;\n"));
+  EXPECT_TRUE(holds(completionScript(Shell::zsh, commands), "'::COMMAND:(ports help)'"));
+  EXPECT_TRUE(holds(completionScript(Shell::fish, commands), "-f -a 'ports help' -d 'which'\n"));
 }
 
 TEST(CompletionScript, QuotesWhatAShellWouldRead) {

@@ -64,5 +64,26 @@ RC_GTEST_PROP(DurationText, NeverThrowsForAnyText, (const std::string& text)) {
   RC_ASSERT(!parsed || parsed->count() >= 0);
 }
 
+TEST(AgeText, HasTheLargestUnitThatIsFilledAndTheNext) {
+  const auto text = [](double seconds) { return ageText(Seconds{seconds}); };
+  EXPECT_EQ(text(-1), "0s");
+  EXPECT_EQ(text(0.9), "0s");
+  EXPECT_EQ(text(59.9), "59s");
+  EXPECT_EQ(text(60), "1m");
+  EXPECT_EQ(text(3599), "59m59s");
+  EXPECT_EQ(text(3600), "1h");
+  EXPECT_EQ(text(3605), "1h") << "the next unit is empty, and the one after it is not told";
+  EXPECT_EQ(text(86399), "23h59m");
+  EXPECT_EQ(text(86400), "1d");
+  EXPECT_EQ(text(45 * 86400 + 13 * 3600 + 59), "45d13h");
+  EXPECT_EQ(text(std::numeric_limits<double>::quiet_NaN()), "0s");
+}
+
+TEST(AgeText, ReadsBack) {
+  for (const double seconds : {1.0, 61.0, 3660.0, 90000.0}) {
+    EXPECT_EQ(parseDuration(ageText(Seconds{seconds})), Seconds{seconds});
+  }
+}
+
 }  // namespace
 }  // namespace brindle

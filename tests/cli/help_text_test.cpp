@@ -9,7 +9,8 @@ namespace {
 
 TEST(HelpText, ListsCommandsInTheirOrderInTwoColumns) {
   EXPECT_EQ(overallHelp(SampleCommands::kAll),
-            "Brindle keeps the computer awake while coding agents work, and lets it sleep again.\n"
+            "Brindle keeps the computer awake while coding agents work, and lets it sleep\n"
+            "again.\n"
             "\n"
             "Usage: brindle COMMAND [OPTIONS]\n"
             "\n"
@@ -25,7 +26,7 @@ TEST(HelpText, ListsCommandsInTheirOrderInTwoColumns) {
             "  --no-color  never uses colour\n"
             "  --version   shows the version\n"
             "\n"
-            "Exit status: 0 done, 1 a negative answer, 2 wrong usage or a failure, 130 interrupted.\n");
+            "Exit status: 0 done, 1 a negative answer, 2 wrong usage or a failure, 130 Ctrl-C\n");
 }
 
 TEST(HelpText, ShowsEveryFormArgumentAndOptionOfACommand) {
@@ -42,11 +43,11 @@ TEST(HelpText, ShowsEveryFormArgumentAndOptionOfACommand) {
             "  WHAT  what to do\n"
             "\n"
             "Options:\n"
-            "  --for DURATION     how long\n"
-            "  --json             prints the document\n"
-            "  --watch [SECONDS]  repeats\n"
-            "  --framing FRAMING  how messages are framed\n"
-            "  -h, --help         shows this help\n");
+            "  --for DURATION               how long\n"
+            "  --json                       prints the document\n"
+            "  --watch [SECONDS]            repeats\n"
+            "  --framing auto|lines|header  how messages are framed\n"
+            "  -h, --help                   shows this help\n");
 }
 
 TEST(HelpText, LeavesOutWhatACommandDoesNotHave) {
@@ -57,6 +58,39 @@ TEST(HelpText, LeavesOutWhatACommandDoesNotHave) {
             "\n"
             "Options:\n"
             "  -h, --help  shows this help\n");
+}
+
+TEST(HelpText, BreaksWhatIsTooWideBelowWhereItBegan) {
+  static constexpr OptionSpec kOptions[] = {
+      {.name = "--long",
+       .value = "VALUE",
+       .help = "what can only be told in more words than one line of the help can hold"}};
+  static constexpr Command kCommand = {
+      .name = "odd",
+      .summary = "does things",
+      .usage = "[--a-first-option VALUE] [--a-second-option VALUE] [--a-third-option [VALUE]]",
+      .details =
+          "One two three four five six seven eight nine ten eleven twelve thirteen fourteen fifteen.\n\n"
+          "  kept as it is, however long it is, because it is a line to paste somewhere else\n\nEnd.",
+      .options = kOptions,
+      .run = SampleCommands::show};
+  EXPECT_EQ(commandHelp(kCommand),
+            "Usage: brindle odd [--a-first-option VALUE] [--a-second-option VALUE]\n"
+            "                   [--a-third-option [VALUE]]\n"
+            "\n"
+            "brindle odd does things.\n"
+            "\n"
+            "One two three four five six seven eight nine ten eleven twelve thirteen fourteen\n"
+            "fifteen.\n"
+            "\n"
+            "  kept as it is, however long it is, because it is a line to paste somewhere else\n"
+            "\n"
+            "End.\n"
+            "\n"
+            "Options:\n"
+            "  --long VALUE  what can only be told in more words than one line of the help\n"
+            "                can hold\n"
+            "  -h, --help    shows this help\n");
 }
 
 TEST(HelpText, NamesTheVersion) { EXPECT_EQ(versionText(), "brindle 1.3.0"); }

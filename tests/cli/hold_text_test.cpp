@@ -23,12 +23,12 @@ TEST(HoldText, TakesAnyDurationUpToTheLimit) {
 }
 
 TEST(HoldText, RefusesMoreThanTheLimitAndNothing) {
-  EXPECT_EQ(problemOf("12h1s"), "--for 12h1s: sleep stays off for 12h at most");
-  EXPECT_EQ(problemOf("0s"), "--for 0s: expected more than nothing");
+  EXPECT_EQ(problemOf("12h1s"), "--for: expected 12h at most, got \"12h1s\"");
+  EXPECT_EQ(problemOf("0s"), "--for: expected more than nothing, got \"0s\"");
 }
 
 TEST(HoldText, SaysWhatADurationLooksLike) {
-  EXPECT_EQ(problemOf("4"), "--for 4: expected a duration such as 90s, 45m, 4h or 1h30m");
+  EXPECT_EQ(problemOf("4"), "--for: expected a duration such as 90s, 45m, 4h or 1h30m, got \"4\"");
 }
 
 TEST(HoldText, LetsGoAtTwentyPercentWhenNothingIsSaid) {
@@ -44,7 +44,8 @@ TEST(HoldText, TakesABatteryFloorFromFiveToNinety) {
 
 TEST(HoldText, RefusesEveryOtherBatteryFloor) {
   for (const std::string text : {"4", "91", "0", "-20", "", "%", "20%%", "20.5", " 20", "x", "99999999999999999999"}) {
-    EXPECT_EQ(batteryFloorOf(text).problem, "--battery-floor " + text + ": expected a percentage from 5 to 90");
+    EXPECT_EQ(batteryFloorOf(text).problem,
+              "--battery-floor: expected a percentage from 5 to 90, got \"" + text + "\"");
   }
 }
 

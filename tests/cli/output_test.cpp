@@ -1,10 +1,13 @@
 #include "cli/output.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
-#include <csignal>
 
 #include "base/descriptor.h"
 #include "cli/exit_code.h"
@@ -43,11 +46,26 @@ TEST(Output, TellsAFullDiskOnceAndEndsInFailure) {
   EXPECT_EQ(recorded.output.finish(ExitCode::kDone), ExitCode::kFailure);
 }
 
-TEST(Output, KeepsAnExitCodeOtherThanDoneWhenResultsCannotBeWritten) {
+TEST(Output, NeitherAnswerStandsWhenItCouldNotBeWritten) {
   RecordedContext recorded;
   recorded.results.code = EIO;
   recorded.output.print("one\n");
-  EXPECT_EQ(recorded.output.finish(ExitCode::kNegative), ExitCode::kNegative);
+  EXPECT_EQ(recorded.output.finish(ExitCode::kNegative), ExitCode::kFailure);
+  EXPECT_EQ(recorded.output.finish(ExitCode::kNotFound), ExitCode::kNotFound);
+  EXPECT_EQ(recorded.output.finish(ExitCode::kSignalBase + 2), ExitCode::kSignalBase + 2);
+}
+
+TEST(Output, ARemarkIsOneLineThatCannotSteerATerminal) {
+  RecordedContext recorded;
+  recorded.output.remark("unknown command \"a\x1b[31m\nb\xE2\x80\xAE\"");
+  EXPECT_EQ(recorded.remarks.text, "brindle: unknown command \"a [31m b\"\n");
+}
+
+TEST(Output, IsAsWideAsTheTerminalOfItsResults) {
+  RecordedContext recorded;
+  EXPECT_EQ(recorded.output.columns(), 0U);
+  recorded.results.width = 80;
+  EXPECT_EQ(recorded.output.columns(), 80U);
 }
 
 TEST(Output, GoesOnWhenRemarksCannotBeWritten) {
@@ -79,23 +97,19 @@ TEST(Output, WantsColourOnlyOnATerminalThatKnowsItAndWithoutNoColor) {
   EXPECT_FALSE(wantsColour({.terminal = true, .noColor = "", .term = "dumb"}));
 }
 
-TEST(DescriptorSink, WritesEverythingIntoAPipeAndReportsItsClosedEnd) {
-  int ends[2];
-  ASSERT_EQ(::pipe(ends), 0);
-  Descriptor reader(ends[0]);
-  const Descriptor writer(ends[1]);
-  DescriptorSink sink(writer.get());
-  ASSERT_TRUE(sink.write("hello"));
-  char buffer[16];
-  ASSERT_EQ(::read(reader.get(), buffer, sizeof buffer), 5);
-  EXPECT_EQ(std::string_view(buffer, 5), "hello");
-
-  const auto previous = ::signal(SIGPIPE, SIG_IGN);
-  reader.reset();
-  const Outcome written = sink.write("gone");
-  ::signal(SIGPIPE, previous);
-  ASSERT_FALSE(written);
-  EXPECT_EQ(written.error().code, EPIPE);
+TEST(StreamSink, KnowsHowWideItsTerminalIsNowAndThatAFileIsNone) {
+  const Descriptor controller(::posix_openpt(O_RDWR | O_NOCTTY));
+  ASSERT_TRUE(controller && ::grantpt(controller.get()) == 0 && ::unlockpt(controller.get()) == 0);
+  const Descriptor terminal(::open(::ptsname(controller.get()), O_RDWR | O_NOCTTY));
+  ASSERT_TRUE(terminal);
+  const StreamSink sink({terminal.get(), "the terminal"});
+  for (const unsigned short columns : std::to_array<unsigned short>({80, 132, 40})) {
+    const struct winsize size = {.ws_row = 24, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+    ASSERT_EQ(::ioctl(terminal.get(), TIOCSWINSZ, &size), 0);
+    EXPECT_EQ(sink.columns(), columns);
+  }
+  const Descriptor file(::open("/dev/null", O_WRONLY));
+  EXPECT_EQ(StreamSink({file.get(), "a file"}).columns(), 0U);
 }
 
 }  // namespace

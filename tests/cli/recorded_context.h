@@ -18,8 +18,11 @@ class RecordingSink : public TextSink {
     return {};
   }
 
+  [[nodiscard]] std::size_t columns() const override { return width; }
+
   std::string text;
   int code = 0;
+  std::size_t width = 0;
   int writes = 0;
 };
 

@@ -175,7 +175,9 @@ TEST_F(ReportCommands, AgesThatAreNoneAreOneLineAndWrongUsage) {
   for (const char* age : {"x", "90", "-1h", "1.5h", "1h 2m"}) {
     EXPECT_EQ(run(kIdleCommand, {{"--older-than", age}}), 2) << age;
     EXPECT_THAT(results(), IsEmpty());
-    EXPECT_THAT(remarks(), HasSubstr("--older-than " + std::string(age) + ": expected a duration")) << age;
+    EXPECT_THAT(remarks(),
+                HasSubstr("--older-than: expected a duration such as 90s, 45m, 4h or 1h30m, got \"" + std::string(age)))
+        << age;
   }
 }
 
@@ -186,6 +188,17 @@ TEST_F(ReportCommands, FilesThatAreNoSnapshotsAreOneLineAndAFailure) {
       EXPECT_EQ(run(*command), 2) << command->name << text;
       EXPECT_THAT(results(), IsEmpty());
       EXPECT_EQ(std::count(remarks().begin(), remarks().end(), '\n'), 1) << remarks();
+    }
+  }
+}
+
+TEST_F(ReportCommands, WithoutStopThereIsNothingToAgreeTo) {
+  record({listener(510, 1e6, 3000)});
+  for (const Command* command : {&kIdleCommand, &kGhostsCommand}) {
+    for (const std::string option : {"--yes", "--force", "--dry-run"}) {
+      EXPECT_EQ(run(*command, {{option, ""}}), 2) << command->name;
+      EXPECT_THAT(results(), IsEmpty());
+      EXPECT_EQ(remarks(), "brindle: " + option + " goes with --stop only\n");
     }
   }
 }

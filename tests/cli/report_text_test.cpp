@@ -44,8 +44,11 @@ TEST_F(ReportTextTest, PortsShowProjectFrameworkAgeAndReach) {
 TEST_F(ReportTextTest, NoListenersAreALine) {
   const HostSnapshot host = snapshot({});
   EXPECT_EQ(ReportText::ports({}, host, output), "Nothing listens.\n");
+  HostSnapshot others = host;
+  others.unownedListeners = 1;
+  EXPECT_EQ(ReportText::ports({}, others, output), "Nothing that can be seen listens.\n");
   EXPECT_EQ(ReportText::agents({}, host, output), "No agent is running.\n");
-  EXPECT_EQ(ReportText::ghosts(host, output), "Nothing was left behind.\n");
+  EXPECT_EQ(ReportText::ghosts({}, output), "Nothing was left behind.\n");
 }
 
 TEST_F(ReportTextTest, AgentsShowTheirProcessesBelowThemAndWhatWasLeftBehind) {
@@ -64,13 +67,37 @@ TEST_F(ReportTextTest, AgentsShowTheirProcessesBelowThemAndWhatWasLeftBehind) {
             " 30  Codex (exited), by Brindle's record  2.0 MB  vite  [31m\n");
 }
 
+TEST_F(ReportTextTest, WhatIsCertainAndWhatIsOnlyLikelyHaveTablesOfTheirOwn) {
+  const LeftBehindDocument vite{.pid = 30, .command = "vite", .origin = "Codex (exited), by its environment"};
+  const LeftBehindDocument make{.pid = 31, .command = "make", .origin = "Codex (perhaps exited), by its session"};
+  const std::string certain =
+      "PID  LEFT BEHIND BY                      MEMORY  COMMAND\n"
+      " 30  Codex (exited), by its environment     0 B  vite\n";
+  const std::string likely =
+      "PID  PERHAPS LEFT BEHIND BY                  MEMORY  COMMAND\n"
+      " 31  Codex (perhaps exited), by its session     0 B  make\n";
+  EXPECT_EQ(ReportText::ghosts({.leftBehind = {vite}}, output), certain);
+  EXPECT_EQ(ReportText::ghosts({.likely = {make}}, output), likely);
+  EXPECT_EQ(ReportText::ghosts({.leftBehind = {vite}, .likely = {make}}, output), certain + "\n" + likely);
+}
+
+TEST_F(ReportTextTest, ATerminalIsNotOverrun) {
+  recorded.results.width = 50;
+  const LeftBehindDocument vite{
+      .pid = 30, .command = std::string(80, 'v'), .origin = "Codex (exited), by its environment"};
+  EXPECT_EQ(ReportText::ghosts({.leftBehind = {vite}}, output),
+            "PID  LEFT BEHIND BY     MEMORY  COMMAND\n"
+            " 30  Codex (exited), …     0 B  vvvvvvvvvvvvvvvvv…\n");
+}
+
 TEST_F(ReportTextTest, WhatCouldNotBeSeenIsSaid) {
   HostSnapshot host = snapshot({});
   EXPECT_EQ(ReportText::unseen(host), "");
   host.uninspected = 1;
   host.unownedListeners = 2;
-  EXPECT_EQ(ReportText::unseen(host),
-            "1 process of other users could not be inspected, 2 listening ports of a process that could not be found");
+  EXPECT_EQ(
+      ReportText::unseen(host),
+      "1 process of other users could not be inspected; 2 listening ports belong to processes that cannot be seen");
 }
 
 TEST_F(ReportTextTest, IdleShowsWhatIsKeptAndWhy) {

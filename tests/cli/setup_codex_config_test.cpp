@@ -39,6 +39,16 @@ TEST(SetupCodexConfig, GivesBackTheVeryTextWhenItsLinesAreTakenAway) {
   }
 }
 
+TEST(SetupCodexConfig, KeepsWhatFollowsAMarkerThatHasLostItsEnd) {
+  for (const std::string text : {"# >>> brindle mcp\nmodel = \"o\"\n", "a = 1\n# >>> brindle notify\nb = 2\n",
+                                 "# >>> brindle mcp\n# >>> brindle mcp\n[tui]\nx = 1\n"}) {
+    const EditedText added = withCodexParts(text, kBoth);
+    EXPECT_EQ(added, EditedText{kNotifyLines + text + kServerLines});
+    EXPECT_EQ(withCodexParts(added.text, kBoth), added) << "twice";
+    EXPECT_EQ(withoutCodexParts(added.text, kBoth), EditedText{text});
+  }
+}
+
 TEST(SetupCodexConfig, PutsLinesOfAProgramThatHasMovedRight) {
   const EditedText old = withCodexParts("a = 1\n", {.program = "/old/brindle"});
   EXPECT_EQ(withCodexParts(old.text, kBoth), withCodexParts("a = 1\n", kBoth));

@@ -47,6 +47,38 @@ TEST(TextTable, LongCellsAreCutAtTheirLimit) {
   EXPECT_EQ(cell("abcde"), "A\nabc\xE2\x80\xA6\n");
 }
 
+std::string inRoom(std::size_t room, std::string first, std::string second) {
+  TextTable table({{"A", Align::left, 20}, {"NUMBER", Align::right}, {"B", Align::left, 20}});
+  table.add({std::move(first), "1", std::move(second)});
+  return table.text(room);
+}
+
+TEST(TextTable, FitsIntoItsRoomByCuttingTheWidestCells) {
+  const std::string first(12, 'a');
+  const std::string second(20, 'b');
+  const std::string whole = "A             NUMBER  B\naaaaaaaaaaaa       1  bbbbbbbbbbbbbbbbbbbb\n";
+  EXPECT_EQ(inRoom(0, first, second), whole);
+  EXPECT_EQ(inRoom(42, first, second), whole);
+  EXPECT_EQ(inRoom(41, first, second),
+            "A             NUMBER  B\naaaaaaaaaaaa       1  bbbbbbbbbbbbbbbbbb\xE2\x80\xA6\n");
+  EXPECT_EQ(inRoom(30, first, second), "A           NUMBER  B\naaaaaaaaa\xE2\x80\xA6       1  bbbbbbbbb\xE2\x80\xA6\n");
+}
+
+TEST(TextTable, CutsNoCellBelowItsHeadingOrTheNarrowest) {
+  const std::string narrow = "A         NUMBER  B\naaaaaaa\xE2\x80\xA6       1  bbbbbbb\xE2\x80\xA6\n";
+  EXPECT_EQ(inRoom(26, std::string(12, 'a'), std::string(12, 'b')), narrow);
+  EXPECT_EQ(inRoom(1, std::string(12, 'a'), std::string(12, 'b')), narrow);
+  TextTable headed({{"A LONG HEADING", Align::left, 30}});
+  headed.add({std::string(30, 'x')});
+  EXPECT_EQ(headed.text(5), "A LONG HEADING\nxxxxxxxxxxxxx\xE2\x80\xA6\n");
+}
+
+TEST(TextTable, GivesTheLastColumnTheRoomThatIsLeft) {
+  EXPECT_EQ(inRoom(0, "a", std::string(30, 'b')), "A  NUMBER  B\na       1  bbbbbbbbbbbbbbbbbbb\xE2\x80\xA6\n");
+  EXPECT_EQ(inRoom(36, "a", std::string(30, 'b')), "A  NUMBER  B\na       1  bbbbbbbbbbbbbbbbbbbbbbbb\xE2\x80\xA6\n");
+  EXPECT_EQ(inRoom(200, "a", std::string(30, 'b')), "A  NUMBER  B\na       1  " + std::string(30, 'b') + "\n");
+}
+
 TEST(Fitted, NeverSplitsACharacter) {
   EXPECT_EQ(fitted("\xE6\x97\xA5\xE6\x9C\xAC", 3), "\xE6\x97\xA5\xE2\x80\xA6");
   EXPECT_EQ(fitted("\xE6\x97\xA5\xE6\x9C\xAC", 2), "\xE2\x80\xA6");

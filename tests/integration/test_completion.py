@@ -44,6 +44,29 @@ class Bash(unittest.TestCase):
         self.assertEqual(result.stdout, "complete -o default -F _brindle brindle\n")
 
 
+@unittest.skipIf(shutil.which("fish") is None, "skipped: there is no fish")
+class Fish(unittest.TestCase):
+    def offers(self, line):
+        """The words that fish offers for the last one of `line`, without their descriptions."""
+        asked = subprocess.run(["fish", "--no-config", "-c", "source -; complete -C $argv[1]", line], input=script("fish"),
+                               capture_output=True, text=True, check=True)
+        self.assertEqual(asked.stderr, "")
+        return [row.split("\t")[0] for row in asked.stdout.splitlines()]
+
+    def test_commands_words_and_options(self):
+        self.assertEqual(self.offers("brindle sle"), ["sleep"])
+        self.assertEqual(self.offers("brindle sleep o"), ["off", "on"])
+        self.assertEqual(self.offers("brindle sleep off --f"), ["--for"])
+        self.assertEqual(self.offers("brindle mcp --framing "), ["auto", "header", "lines"])
+        self.assertEqual(self.offers("brindle help st"), ["status", "stop"])
+
+    def test_no_files_where_a_command_is_meant(self):
+        self.assertNotIn("README.md", self.offers("brindle "))
+
+    def test_the_commands_of_the_machine_where_one_is_run(self):
+        self.assertIn("printf", self.offers("brindle run -- print"))
+
+
 class OtherShells(unittest.TestCase):
     def parse(self, shell):
         if shutil.which(shell) is None:

@@ -118,7 +118,7 @@ class SleepOff(CommandCase):
     def test_wrong_usage_is_one_line(self):
         for words, pattern in [
                 (["--for", "4"], "expected a duration such as 90s, 45m, 4h or 1h30m"),
-                (["--for", "13h"], "sleep stays off for 12h at most"),
+                (["--for", "13h"], "--for: expected 12h at most, got"),
                 (["--for"], "--for: expected DURATION"),
                 (["now"], 'unexpected argument "now"'),
                 (["--json"], "unknown option --json")]:

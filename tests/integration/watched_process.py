@@ -40,6 +40,9 @@ class Process:
                 os.setgroups([])
                 os.setgid(user)
                 os.setuid(user)
+            # Whatever runs in the background of a shell without job control ignores them, and would hand that down.
+            for number in (signal.SIGINT, signal.SIGQUIT):
+                signal.signal(number, signal.SIG_DFL)
             die_with_parent()  # after setuid, which clears it
 
         self.lines = []
@@ -71,7 +74,10 @@ class Process:
 
     def wait(self, seconds=WAIT_SECONDS):
         """The exit status; negative for a signal. All output has been read when it returns."""
-        status = self.popen.wait(seconds)
+        try:
+            status = self.popen.wait(seconds)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"{self.popen.args[0]} has not ended after {seconds:g} s; it said {self.lines!r}") from None
         self._reader.join(seconds)
         return status
 

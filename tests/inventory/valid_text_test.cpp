@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <utility>
+
 #include "base/text.h"
 
 namespace brindle {
@@ -53,6 +56,25 @@ TEST(TerminalText, HiddenAndTurningCharactersAreLeftOut) {
   EXPECT_EQ(terminalText("a\xD8\x9C"
                          "b"),
             "ab");  // Arabic letter mark
+}
+
+TEST(TerminalText, EveryRangeOfTheInvisibleEndsWhereItsNeighboursBegin) {
+  const auto bounds = std::to_array<std::pair<std::uint32_t, std::uint32_t>>({{0xAD, 0xAD},
+                                                                              {0x61C, 0x61C},
+                                                                              {0x180E, 0x180E},
+                                                                              {0x200B, 0x200F},
+                                                                              {0x202A, 0x202E},
+                                                                              {0x2060, 0x206F},
+                                                                              {0xFE00, 0xFE0F},
+                                                                              {0xFEFF, 0xFEFF},
+                                                                              {0xFFF9, 0xFFFB},
+                                                                              {0xE0000, 0xE01EF}});
+  for (const auto& [first, last] : bounds) {
+    EXPECT_TRUE(isInvisible(first) && isInvisible(last)) << first;
+    EXPECT_FALSE(isInvisible(first - 1) || isInvisible(last + 1)) << first;
+  }
+  EXPECT_EQ(terminalText("a\xF3\xA0\x81\x81z"), "az");  // a tag
+  EXPECT_EQ(terminalText("a\xE2\x80\xA8z"), "a z");     // a line separator
 }
 
 TEST(TerminalText, OtherScriptsStay) {

@@ -57,7 +57,7 @@ TEST(MCPConfigSnippet, HasATitleForEachClient) {
 
 TEST(MCPConfigSnippet, LeavesAPathOfPlainCharactersUnquotedInTheShell) {
   EXPECT_EQ(shell("/opt/brindle"), "claude mcp add --scope user brindle -- /opt/brindle mcp");
-  EXPECT_EQ(shell("aZ09/._-+:%@"), "claude mcp add --scope user brindle -- aZ09/._-+:%@ mcp");
+  EXPECT_EQ(shell("azAZ09/._-+:%@"), "claude mcp add --scope user brindle -- azAZ09/._-+:%@ mcp");
 }
 
 TEST(MCPConfigSnippet, QuotesAPathWithABlankInTheShell) {

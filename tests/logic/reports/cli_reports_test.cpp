@@ -56,6 +56,25 @@ TEST(CLIReportsPorts, ListsAPortOfAProcessOnceAndThePidOnlyWhereItFirstStands) {
   EXPECT_THAT(pidsOf(CLIReports::ports(report.snapshot())), ElementsAre(500));
 }
 
+TEST(CLIReportsGhosts, KeepsWhatIsCertainApartFromWhatIsLikely) {
+  SampleReport report;
+  TrackedProcess vite = listener({.pid = 700}, {5173});
+  vite.commandLine = "node vite";
+  vite.footprint = 9;
+  report.leftBehind = {{.process = vite, .origin = "Codex (exited), by its environment"}};
+  const std::vector<LeftBehind> likely = {{.process = process({.pid = 710}), .origin = "perhaps"}};
+  const GhostsDocument document = CLIReports::ghosts(report.snapshot(), likely);
+  const GhostsDocument expected{.leftBehind = {{.pid = 700,
+                                                .command = "node vite",
+                                                .origin = "Codex (exited), by its environment",
+                                                .memoryBytes = 9,
+                                                .ports = {5173}}},
+                                .likely = leftBehindRows(likely)};
+  EXPECT_EQ(document, expected);
+  ASSERT_EQ(document.likely.size(), 1U);
+  EXPECT_EQ(document.likely.front().pid, 710);
+}
+
 TEST(CLIReportsAgents, GivesSessionsWithWhatTheyStartedAndWhatWasLeftBehind) {
   SampleReport report;
   report.processes = {agent({.pid = 500, .ppid = 1}), listener({.pid = 510, .ppid = 500}, {3000})};

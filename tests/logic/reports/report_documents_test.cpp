@@ -88,6 +88,20 @@ TEST(ReportDocuments, AgentsHaveAllTheirKeysSortedAndNoAbsentOnes) {
               ElementsAre("command", "memoryBytes", "origin", "pid", "ports"));
 }
 
+TEST(ReportDocuments, GhostsHaveAllTheirKeysSortedAndBothLists) {
+  const GhostsDocument ghosts{.leftBehind = {{.pid = 4, .command = "vite"}}, .likely = {{.pid = 5, .origin = "Codex"}}};
+  const JsonValue document = read(ghosts);
+  EXPECT_THAT(keysOf(document), ElementsAre("command", "leftBehind", "likely", "schema"));
+  EXPECT_EQ(*document.object()->find("command"), JsonValue("ghosts"));
+  EXPECT_EQ(*document.object()->find("schema"), JsonValue(1));
+  for (const auto& [list, pid] : {std::pair("leftBehind", 4), std::pair("likely", 5)}) {
+    const JsonArray& rows = *document.object()->find(list)->array();
+    ASSERT_EQ(rows.size(), 1U) << list;
+    EXPECT_THAT(keysOf(rows.at(0)), ElementsAre("command", "memoryBytes", "origin", "pid", "ports")) << list;
+    EXPECT_EQ(*rows.at(0).object()->find("pid"), JsonValue(pid)) << list;
+  }
+}
+
 TEST(ReportDocuments, ACommandLineKeepsItsSlashesWithoutBackslashes) {
   const AgentsDocument document{.leftBehind = {{.command = "node /srv/a/b.js"}}};
   EXPECT_THAT(CLIReports::jsonText(document), testing::HasSubstr(R"("command" : "node /srv/a/b.js")"));

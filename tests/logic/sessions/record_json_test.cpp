@@ -34,6 +34,9 @@ TEST(RecordJson, ReadsPortsOnlyWhenAllAreWholeNumbers) {
   EXPECT_EQ(portsMember(JsonObject{{"ports", JsonArray{std::int64_t{2147483647}}}}, "ports"),
             std::vector<int>{2147483647});
   EXPECT_EQ(portsMember(JsonObject{{"ports", JsonArray{std::int64_t{2147483648}}}}, "ports"), std::nullopt);
+  EXPECT_EQ(portsMember(JsonObject{{"ports", JsonArray{std::int64_t{-2147483648}}}}, "ports"),
+            std::vector<int>{std::numeric_limits<int>::min()});
+  EXPECT_EQ(portsMember(JsonObject{{"ports", JsonArray{std::int64_t{-2147483649}}}}, "ports"), std::nullopt);
   EXPECT_EQ(portsMember(JsonObject{{"ports", 3000}}, "ports"), std::nullopt);
 }
 

@@ -55,6 +55,11 @@ TEST(SessionChildKind, KnowsEveryBrowser) {
   }
 }
 
+TEST(SessionChildKind, KnowsAWordAtTheVeryStartAndInCapitals) {
+  EXPECT_EQ(classifyChild(running("jest --watch")), Kind::testRunner);
+  EXPECT_EQ(classifyChild(running("npx PLAYWRIGHT")), Kind::testRunner);
+}
+
 TEST(SessionChildKind, LooksForTestRunnersBeforeBrowsers) {
   EXPECT_EQ(classifyChild(running("chrome --for playwright")), Kind::testRunner);
 }
