@@ -79,7 +79,7 @@ Outcome ensureFolder(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) return writeFailure(code, doing);
   if (!S_ISDIR(status.st_mode)) return writeFailure(ENOTDIR, doing);
-  if (status.st_uid != ::geteuid()) return fail(kFileWriteNoPermission, doing);
+  if (status.st_uid != ::geteuid()) return fail(kFileWriteNoPermission, "use folder " + path + " of another user");
   return {};
 }
 

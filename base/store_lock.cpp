@@ -11,8 +11,14 @@ Result<FileLock> lockStore(const StoreLockPath& path) {
   std::string file = path.directory + "/";
   file += path.lockName;
   Result<FileLock> lock = FileLock::acquire(file);
-  if (!lock) return fail(kFileWriteNoPermission, lock.error().doing);
+  if (!lock) return tl::make_unexpected(asNoPermission(std::move(lock.error())));
   return lock;
+}
+
+Failure asNoPermission(Failure failure) {
+  if (failure.code != kFileWriteNoPermission) failure.doing += " (" + errorText(failure.code) + ")";
+  failure.code = kFileWriteNoPermission;
+  return failure;
 }
 
 }  // namespace brindle

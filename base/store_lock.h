@@ -20,4 +20,7 @@ struct StoreLockPath {
 /// kFileWriteNoPermission, the one code that writers of the shared files are promised.
 [[nodiscard]] Result<FileLock> lockStore(const StoreLockPath& path);
 
+/// The failure under the one code that writers of the shared files are promised; its own reason stays in the text.
+[[nodiscard]] Failure asNoPermission(Failure failure);
+
 }  // namespace brindle

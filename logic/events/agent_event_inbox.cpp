@@ -15,7 +15,7 @@ Outcome AgentEventInbox::append(const AgentEvent& event) const {
   if (!lock) return tl::make_unexpected(lock.error());
   const bool afresh = fileSize(path()).value_or(0) > kSizeLimit;
   Result<LineFile> file = LineFile::open(path(), afresh ? LineFile::Start::afresh : LineFile::Start::atEnd);
-  if (!file) return fail(kFileWriteNoPermission, file.error().doing);
+  if (!file) return tl::make_unexpected(asNoPermission(std::move(file.error())));
   (void)file->append(line).has_value();  // a full disk is no failure of the agent that the hook works for
   return {};
 }

@@ -82,5 +82,10 @@ TEST(StoreLock, AFolderThatIsNotWritableFailsWithNoPermission) {
   ASSERT_EQ(::chmod(folder.path().c_str(), 0700), 0);
 }
 
+TEST(AsNoPermission, KeepsTheReasonInTheText) {
+  EXPECT_EQ(asNoPermission({EISDIR, "lock /x"}), (Failure{513, "lock /x (Is a directory)"}));
+  EXPECT_EQ(asNoPermission({513, "lock /x"}), (Failure{513, "lock /x"}));
+}
+
 }  // namespace
 }  // namespace brindle

@@ -103,6 +103,19 @@ class Silence(HookCase):
             self.assert_silent(self.hook(input=payload))
         self.assertEqual(self.lines(), [])
 
+    def test_a_payload_of_one_mebibyte_is_taken_and_one_byte_more_refused(self):
+        start = STOP[:-1].encode() + b',"x":"'
+        taken = 0
+        for size in ((1 << 20) - 1, 1 << 20, (1 << 20) + 1):
+            payload = start + b"x" * (size - len(start) - 2) + b'"}'
+            self.assertEqual(len(payload), size)
+            self.assert_silent(self.hook(input=payload))
+            taken += size <= 1 << 20
+            self.assertEqual(len(self.lines()), taken, size)
+        result = self.hook("--verbose", input=payload)
+        self.assertEqual((result.returncode, result.stdout), (0, b""))
+        self.assertIn(b"brindle: the payload has more than 1048576 bytes\n", result.stderr)
+
     def test_arguments_of_notify_that_are_none(self):
         for words in ([], [""], ["not JSON"], ["[]"], ["--help"], ["--unknown", "{"], ["-h"], [CODEX, "--other"]):
             self.assert_silent(self.brindle("notify", *words))

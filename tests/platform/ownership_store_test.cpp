@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/base/store_support.h"
 #include "tests/platform/temporary_folder.h"
 
 namespace brindle {
@@ -85,6 +86,25 @@ TEST(OwnershipStore, NeitherRecordsNorLockFollowASymbolicLink) {
     EXPECT_FALSE(store.add({record(501)})) << name;
     std::ifstream victim(folder.path() + "/victim");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(victim), {}), "kept") << name;
+  }
+}
+
+TEST(OwnershipStore, AFolderOfAnotherUserIsRefused) {
+  const TemporaryFolder folder;
+  const Outcome added = OwnershipStore(foreignFolder(folder.path())).add({record(501)});
+  ASSERT_FALSE(added);
+  EXPECT_EQ(added.error().code, kFileWriteNoPermission);
+}
+
+TEST(OwnershipStore, RecordsOrALockThatAreAFolderFailWithTheLockReleased) {
+  for (const std::string name : {"ownership.jsonl", "ownership.lock"}) {
+    const TemporaryFolder folder;
+    const OwnershipStore store(folder.path());
+    std::filesystem::create_directory(folder.path() + "/" + name);
+    EXPECT_FALSE(store.add({record(501)})) << name;
+    EXPECT_TRUE(store.records("b").empty()) << name;
+    std::filesystem::remove(folder.path() + "/" + name);
+    EXPECT_TRUE(store.add({record(501)})) << name;
   }
 }
 

@@ -75,7 +75,35 @@ TEST_F(MCPHeartbeatFile, WritingCreatesThePrivateFolderAndFileAndReplacesTheLast
   EXPECT_TRUE(MCPHeartbeat::isFresh(deep, kNow + Seconds{19}, kMaximum));
 }
 
-TEST_F(MCPHeartbeatFile, AFailedWriteReportsAndKeepsTheLast) {
+TEST_F(MCPHeartbeatFile, AFolderThatIsNotWritableReportsAndKeepsTheLast) {
+  ASSERT_TRUE(MCPHeartbeat::write(folder.path(), kNow));
+  giveToPlainUser(folder.path());
+  giveToPlainUser(file());
+  ASSERT_EQ(::chmod(folder.path().c_str(), 0500), 0);
+  EXPECT_TRUE(asPlainUser([&] {
+    const Outcome written = MCPHeartbeat::write(folder.path(), kNow + Seconds{5});
+    return !written && written.error().code == 513 && MCPHeartbeat::isFresh(folder.path(), kNow, kMaximum);
+  }));
+  ASSERT_EQ(::chmod(folder.path().c_str(), 0700), 0);
+  EXPECT_EQ(contentOf(file()), MCPHeartbeat::encodeStamp({kNow}));
+}
+
+TEST_F(MCPHeartbeatFile, AStampIsNeitherReadNorWrittenThroughASymbolicLink) {
+  writeRaw(folder.file("victim"), MCPHeartbeat::encodeStamp({kNow}));
+  std::filesystem::create_symlink(folder.file("victim"), file());
+  EXPECT_FALSE(freshAt(0));
+  ASSERT_TRUE(MCPHeartbeat::write(folder.path(), kNow + Seconds{5}));
+  EXPECT_EQ(contentOf(folder.file("victim")), MCPHeartbeat::encodeStamp({kNow}));
+  EXPECT_TRUE(freshAt(0));
+}
+
+TEST_F(MCPHeartbeatFile, AFolderOfAnotherUserIsRefused) {
+  const Outcome written = MCPHeartbeat::write(foreignFolder(folder.path()), kNow);
+  ASSERT_FALSE(written);
+  EXPECT_EQ(written.error().code, 513);
+}
+
+TEST_F(MCPHeartbeatFile, AStampThatIsAFolderOrBelowAFileCannotBeWritten) {
   std::filesystem::create_directory(file());
   EXPECT_FALSE(MCPHeartbeat::write(folder.path(), kNow));
   EXPECT_EQ(folder.entries(), 1u);

@@ -218,6 +218,29 @@ TEST_F(MCPQuitInboxStore, TheLockNeverFollowsASymbolicLink) {
   EXPECT_FALSE(std::filesystem::exists(folder.file("victim")));
 }
 
+TEST_F(MCPQuitInboxStore, TheListIsNeitherReadNorWrittenThroughASymbolicLink) {
+  ASSERT_TRUE(inbox.add(request("theirs")));
+  std::filesystem::rename(file(), folder.file("victim"));
+  const std::string kept = contentOf(folder.file("victim"));
+  std::filesystem::create_symlink(folder.file("victim"), file());
+  EXPECT_EQ(inbox.pending(), std::vector<MCPQuitRequest>());
+  ASSERT_TRUE(inbox.add(request("ours")));
+  EXPECT_FALSE(std::filesystem::is_symlink(file()));
+  EXPECT_EQ(inbox.pending(), std::vector{request("ours")});
+  EXPECT_EQ(contentOf(folder.file("victim")), kept);
+}
+
+TEST_F(MCPQuitInboxStore, AListThatIsAFolderIsEmptyAndFailsToBeWrittenWithTheLockReleased) {
+  std::filesystem::create_directory(file());
+  EXPECT_EQ(inbox.pending(), std::vector<MCPQuitRequest>());
+  const Outcome added = inbox.add(request("a"));
+  ASSERT_FALSE(added);
+  EXPECT_EQ(added.error().code, EISDIR);
+  EXPECT_EQ(folder.entries(), 2u);
+  std::filesystem::remove(file());
+  EXPECT_TRUE(inbox.add(request("a")));
+}
+
 TEST_F(MCPQuitInboxStore, AFolderThatCannotBeCreatedFails) {
   writeRaw(folder.file("file"), "");
   const Outcome added = MCPQuitInbox(folder.file("file/x")).add(request("a"));

@@ -169,6 +169,18 @@ TEST_F(MCPRequestLogStore, NeitherLockNorLogFollowsASymbolicLink) {
   EXPECT_EQ(contentOf(folder.file("victim")), "kept");
 }
 
+TEST_F(MCPRequestLogStore, ALogThatIsAFolderIsEmptyAndFailsToBeWrittenWithTheLockReleased) {
+  std::filesystem::create_directory(file());
+  EXPECT_EQ(log.recent(kNow), std::vector<MCPLogEntry>());
+  for (const Outcome& outcome : {log.append(entry("a")), log.trim(kNow)}) {
+    ASSERT_FALSE(outcome);
+    EXPECT_EQ(outcome.error().code, EISDIR);
+  }
+  EXPECT_EQ(folder.entries(), 2u);
+  std::filesystem::remove(file());
+  EXPECT_TRUE(log.append(entry("a")));
+}
+
 TEST_F(MCPRequestLogStore, AFolderOfAnotherUserIsRefused) {
   const Outcome appended = MCPRequestLog(foreignFolder(folder.path())).append(entry("a"));
   ASSERT_FALSE(appended);

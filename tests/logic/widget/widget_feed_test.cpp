@@ -102,6 +102,23 @@ TEST_F(WidgetFeedFile, AFailedWriteLeavesThePreviousSnapshotAndNoTemporaryFile) 
   EXPECT_EQ(folder.entries(), 1u);
 }
 
+TEST_F(WidgetFeedFile, ASnapshotIsNeitherReadNorWrittenThroughASymbolicLink) {
+  ASSERT_TRUE(WidgetFeed::write(folder.path(), snapshot()));
+  std::filesystem::rename(file(), folder.file("victim"));
+  const std::string kept = contentOf(folder.file("victim"));
+  std::filesystem::create_symlink(folder.file("victim"), file());
+  EXPECT_EQ(WidgetFeed::read(folder.path()), std::nullopt);
+  ASSERT_TRUE(WidgetFeed::write(folder.path(), WidgetSnapshot()));
+  EXPECT_EQ(contentOf(folder.file("victim")), kept);
+  EXPECT_EQ(WidgetFeed::read(folder.path()), WidgetSnapshot());
+}
+
+TEST_F(WidgetFeedFile, AContainerOfAnotherUserIsRefused) {
+  const Outcome written = WidgetFeed::write(foreignFolder(folder.path()), snapshot());
+  ASSERT_FALSE(written);
+  EXPECT_EQ(written.error().code, 513);
+}
+
 TEST_F(WidgetFeedFile, FilesArePrivate) {
   ASSERT_TRUE(WidgetFeed::write(folder.file("a"), snapshot()));
   EXPECT_EQ(modeOf(folder.file("a")), 0700);
