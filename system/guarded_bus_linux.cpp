@@ -34,7 +34,8 @@ BusResult<BusMessage> BusConnection::call(sd_bus_message* message, Seconds timeo
   if (!pending) return tl::make_unexpected(errorOf(-pending.error().code));
   while (!reply) {
     int code = sd_bus_process(bus_.get(), nullptr);
-    if (code == 0) code = sd_bus_wait(bus_.get(), UINT64_MAX);
+    // A timeout has called the handler and answers 0 all the same.
+    if (code == 0 && !reply) code = sd_bus_wait(bus_.get(), UINT64_MAX);
     if (code < 0 && code != -EINTR) return tl::make_unexpected(errorOf(code));
   }
   const sd_bus_error* error = sd_bus_message_get_error(reply.get());
