@@ -71,12 +71,12 @@ Outcome LogindWatch::start() {
                                .member = "NameOwnerChanged"};
   auto owners = bus_.subscribe({.signal = ownerChanged, .firstArgument = kService}, [this](sd_bus_message* signal) {
     const char *name = nullptr, *before = nullptr, *after = nullptr;
-    if (sd_bus_message_read(signal, "sss", &name, &before, &after) >= 0 && *after != '\0') recheck();
+    if (sd_bus_message_read(signal, "sss", &name, &before, &after) >= 0 && *after != '\0') recheckSoon();
   });
   if (!owners) return tl::make_unexpected(owners.error());
   auto sleeps = bus_.subscribe({.signal = member("PrepareForSleep")}, [this](sd_bus_message* signal) {
     int falling = 1;
-    if (sd_bus_message_read(signal, "b", &falling) >= 0 && falling == 0) recheck();
+    if (sd_bus_message_read(signal, "b", &falling) >= 0 && falling == 0) recheckSoon();
   });
   if (!sleeps) return tl::make_unexpected(sleeps.error());
   ownerChanges_ = std::move(*owners);
@@ -84,11 +84,18 @@ Outcome LogindWatch::start() {
   return {};
 }
 
+// From the loop, because the signal may arrive while a call to the login manager waits for its reply.
+void LogindWatch::recheckSoon() { recheckAfter(Seconds{0}); }
+
+void LogindWatch::recheckAfter(Seconds delay) {
+  if (auto timer = loop_.after(delay, [this] { recheck(); })) again_ = std::move(*timer);
+}
+
 void LogindWatch::recheck() {
-  switch_.recheck();
   again_.cancel();
-  if (!switch_.needsRecheck()) return;
-  if (auto timer = loop_.after(kRecheckDelay, [this] { recheck(); })) again_ = std::move(*timer);
+  switch_.recheck();
+  // Unless a signal that came meanwhile has asked for one at once.
+  if (switch_.needsRecheck() && !again_) recheckAfter(kRecheckDelay);
 }
 
 }  // namespace brindle

@@ -31,6 +31,8 @@ class LogindWatch {
   Outcome start();
 
  private:
+  void recheckSoon();
+  void recheckAfter(Seconds delay);
   void recheck();
 
   const BusConnection& bus_;

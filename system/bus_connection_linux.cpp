@@ -63,17 +63,6 @@ Result<BusMessage> BusConnection::newCall(const BusMember& member) const {
   return BusMessage(message);
 }
 
-BusResult<BusMessage> BusConnection::call(sd_bus_message* message, Seconds timeout) const {
-  sd_bus_error error = {};
-  sd_bus_message* reply = nullptr;
-  const int code = sd_bus_call(bus_.get(), message, microseconds(timeout), &error, &reply);
-  if (code >= 0) return BusMessage(reply);
-  if (!sd_bus_error_is_set(&error)) sd_bus_error_set_errno(&error, code);
-  BusError failure{.name = error.name, .text = error.message != nullptr ? error.message : "", .code = -code};
-  sd_bus_error_free(&error);
-  return tl::make_unexpected(std::move(failure));
-}
-
 Result<BusWatch> BusConnection::callAsync(sd_bus_message* message, Seconds timeout, BusHandler handler) const {
   auto body = std::make_unique<BusWatch::Body>(std::move(handler));
   sd_bus_slot* slot = nullptr;

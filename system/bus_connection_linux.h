@@ -93,8 +93,10 @@ class BusConnection {
   Outcome dropForgedSignals() const;
   /// A method call that the caller fills with arguments.
   [[nodiscard]] Result<BusMessage> newCall(const BusMember& member) const;
-  /// Sends `message` and waits for its reply, at most `timeout`. Everything else that arrives meanwhile is kept for
-  /// the loop. A timeout or a lost bus is an error with a name like any other.
+  /// Sends `message` and waits for its reply, at most `timeout`. A timeout or a lost bus is an error with a name like
+  /// any other. Everything else that arrives meanwhile goes to its handlers at once: kept until the reply, signals with
+  /// descriptors from anybody would fill the table of open files, and with it end the connection. EBUSY inside a
+  /// handler of this connection.
   [[nodiscard]] BusResult<BusMessage> call(sd_bus_message* message, Seconds timeout) const;
   /// Sends `message` and gives its reply, also an error or the timeout, to `handler`, once, unless the watch goes
   /// first. Fails only when sending is impossible.

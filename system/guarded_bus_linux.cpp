@@ -1,5 +1,7 @@
 // What a service on the bus needs against strangers, apart from what every user of a bus repeats: the command has no
 // use for it and does not link it.
+#include <cerrno>
+#include <cstdint>
 #include <string_view>
 
 #include "system/bus_connection_linux.h"
@@ -14,7 +16,34 @@ int dropForgedSignal(sd_bus_message* message, void*, sd_bus_error*) {
   return sender != nullptr && std::string_view(sender) == "org.freedesktop.DBus" ? 0 : 1;
 }
 
+BusError errorOf(int code) {
+  sd_bus_error error = {};
+  sd_bus_error_set_errno(&error, code);
+  BusError failure{.name = error.name, .text = error.message != nullptr ? error.message : "", .code = -code};
+  sd_bus_error_free(&error);
+  return failure;
+}
+
 }  // namespace
+
+BusResult<BusMessage> BusConnection::call(sd_bus_message* message, Seconds timeout) const {
+  BusMessage reply;
+  // The timeout is an error reply like any other, so the loop below ends by itself.
+  const auto pending =
+      callAsync(message, timeout, [&reply](sd_bus_message* came) { reply.reset(sd_bus_message_ref(came)); });
+  if (!pending) return tl::make_unexpected(errorOf(-pending.error().code));
+  while (!reply) {
+    int code = sd_bus_process(bus_.get(), nullptr);
+    // A timeout has called the handler and answers 0 all the same.
+    if (code == 0 && !reply) code = sd_bus_wait(bus_.get(), UINT64_MAX);
+    if (code < 0 && code != -EINTR) return tl::make_unexpected(errorOf(code));
+  }
+  const sd_bus_error* error = sd_bus_message_get_error(reply.get());
+  if (error == nullptr) return reply;
+  return tl::make_unexpected(BusError{.name = error->name,
+                                      .text = error->message != nullptr ? error->message : "",
+                                      .code = sd_bus_message_get_errno(reply.get())});
+}
 
 Result<BusConnection> BusConnection::openWithoutDescriptors(const BusConnection& other) {
   constexpr const char* kDoing = "connect to the bus a second time";

@@ -40,16 +40,10 @@ BRINDLE_LATE(int, sd_bus_add_match,
              (sd_bus * bus, sd_bus_slot** slot, const char* match, sd_bus_message_handler_t callback, void* userdata),
              bus, slot, match, callback, userdata)
 BRINDLE_LATE(int, sd_bus_attach_event, (sd_bus * bus, sd_event* e, int priority), bus, e, priority)
-BRINDLE_LATE(int, sd_bus_call,
-             (sd_bus * bus, sd_bus_message* m, uint64_t usec, sd_bus_error* ret_error, sd_bus_message** reply), bus, m,
-             usec, ret_error, reply)
 BRINDLE_LATE(int, sd_bus_call_async,
              (sd_bus * bus, sd_bus_slot** slot, sd_bus_message* m, sd_bus_message_handler_t callback, void* userdata,
               uint64_t usec),
              bus, slot, m, callback, userdata, usec)
-BRINDLE_LATE(void, sd_bus_error_free, (sd_bus_error * e), e)
-BRINDLE_LATE(int, sd_bus_error_is_set, (const sd_bus_error* e), e)
-BRINDLE_LATE(int, sd_bus_error_set_errno, (sd_bus_error * e, int error), e, error)
 BRINDLE_LATE(sd_bus*, sd_bus_flush_close_unref, (sd_bus * bus), bus)
 BRINDLE_LATE(int, sd_bus_is_open, (sd_bus * bus), bus)
 BRINDLE_LATE(int, sd_bus_message_enter_container, (sd_bus_message * m, char type, const char* contents), m, type,

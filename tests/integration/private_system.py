@@ -209,6 +209,20 @@ class System:
         except dbus.DBusException:
             return None
 
+    def names_of(self, pid):
+        """The unique names of one process's connections."""
+        import dbus
+        names = []
+        for name in self.connection().list_names():
+            try:
+                owner = self.connection().call_blocking("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                        "org.freedesktop.DBus", "GetConnectionUnixProcessID", "s", (name,))
+            except dbus.DBusException:
+                continue  # it has just gone
+            if name.startswith(":") and int(owner) == pid:
+                names.append(str(name))
+        return names
+
     def start_logind(self, stand_in=False):
         """The login manager; with `stand_in` the one that can be told to fail (see stand_in())."""
         if self.real and not stand_in:

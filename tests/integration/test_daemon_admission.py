@@ -153,6 +153,21 @@ class Strangers(DaemonCase):
         self.assertTrue(client.heartbeat())
         self.assert_held()
 
+    def test_cannot_fill_it_while_the_daemon_waits_for_the_login_manager(self):
+        """Its connection for locks takes descriptors; what comes over it is dropped at once, also during a call."""
+        served = self.system.owner(self.system.helper_name)
+        others = [name for name in self.system.names_of(self.helper.pid) if name != served]
+        self.assertEqual(len(others), 1, others)
+        resource.prlimit(self.helper.pid, resource.RLIMIT_NOFILE, (128, 128))
+        floods = [self.system.start([sys.executable, "-B", FLOOD, self.system.address, others[0]], user=NOBODY)
+                  for _ in range(2)]
+        for flood in floods:
+            flood.wait_line("^ready$")
+        client = self.client()
+        for number in range(60):
+            self.assertTrue(client.set_sleep_disabled(number % 2 == 0).ok, self.helper.lines[-3:])
+        self.assertTrue(all(flood.running() for flood in floods), [flood.lines for flood in floods])
+
     def test_leave_room_for_others_while_many_of_them_wait(self):
         limit = "error org.freedesktop.DBus.Error.LimitsExceeded too many clients"
         self.start_polkit("return polkit.Result.YES;")
