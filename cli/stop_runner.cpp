@@ -8,6 +8,7 @@
 
 #include "base/stream.h"
 #include "cli/exit_code.h"
+#include "cli/report_commands.h"
 #include "cli/report_text.h"
 #include "cli/shown_table.h"
 #include "inventory/valid_text.h"
@@ -119,6 +120,7 @@ std::optional<HostSnapshot> livingSnapshot(CommandContext& context) {
     context.output.remark(snapshot.error());
     return std::nullopt;
   }
+  remarkUnreadSettings(context);
   // A failure costs evidence later, not this command.
   (void)rememberOwners(context.environment, *snapshot).has_value();
   return std::move(*snapshot);

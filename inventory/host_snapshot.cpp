@@ -22,6 +22,7 @@ HostSnapshot begun(const SnapshotContext& context) {
   snapshot.currentUser = context.currentUser;
   snapshot.rules = &context.rules;
   snapshot.protectionRules = context.protections;
+  snapshot.frontmost = context.frontmost;
   return snapshot;
 }
 

@@ -38,6 +38,8 @@ struct HostSnapshot {
   /// Ports that other machines can reach.
   std::unordered_set<int> reachablePorts;
   ProtectionRules protectionRules;
+  /// The application whose window is in front; absent where no desktop tells, and in recorded snapshots.
+  std::optional<std::int32_t> frontmost;
   /// Processes of which only the kernel's own table could be read.
   int uninspected = 0;
   /// Listening sockets whose process could not be found.
@@ -53,6 +55,7 @@ struct SnapshotContext {
   std::uint32_t currentUser = 0;
   const SystemProcessRules& rules;
   const ProtectionRules& protections;
+  std::optional<std::int32_t> frontmost = std::nullopt;
 };
 
 /// The snapshot of a living machine. `records` are those of the running boot.

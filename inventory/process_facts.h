@@ -54,6 +54,8 @@ struct ProcessFacts {
   std::optional<bool> adopted;
   /// Established connections to its ports.
   int clients = 0;
+  /// It lives in a process namespace of its own, as in a container: pids in its variables are not those seen here.
+  bool otherPids = false;
   /// Those of namedVariables() that its environment holds; empty also where it may not be read.
   std::vector<NamedVariable> variables;
   /// False for a process of which only the kernel's own table was read.

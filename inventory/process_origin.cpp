@@ -119,6 +119,7 @@ class Judge {
   /// A living owner of any of the kinds decides before a dead one of another: nested agents leave both behind.
   std::optional<Verdict> byOwnerPid(const ProcessFacts& facts, const std::vector<AgentKind>& kinds) const {
     std::optional<Verdict> gone;
+    if (facts.otherPids) return gone;
     for (const AgentKind kind : kinds) {
       const auto pid = ownerPidOf(agentRow(kind), facts);
       if (!pid || *pid == facts.pid) continue;

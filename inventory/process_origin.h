@@ -32,7 +32,7 @@ inline constexpr auto kEnumTexts<OriginTie> = std::to_array<EnumText<OriginTie>>
     {{OriginTie::owned, "owned"}, {OriginTie::leftBehind, "left behind"}, {OriginTie::likely, "likely"}});
 
 enum class OriginEvidence {
-  /// A variable with the agent's pid.
+  /// A variable with the agent's pid. Says nothing of a process whose pids are counted elsewhere.
   ownerPid,
   /// An ownership record of ours.
   record,

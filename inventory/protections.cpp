@@ -29,7 +29,26 @@ std::unordered_set<std::int32_t> sessionPids(const HostSnapshot& snapshot, std::
   return pids;
 }
 
-QuitCandidate candidateOf(const HostSnapshot& snapshot, const TrackedProcess& process) {
+/// The frontmost application: its process, and the helpers beside it in its folder. What it has started of other
+/// programs is not: in front of most dev servers there is a terminal or an editor.
+class Frontmost {
+ public:
+  explicit Frontmost(const HostSnapshot& snapshot) : pid_(snapshot.frontmost) {
+    const TrackedProcess* process = pid_ ? processOf(snapshot, *pid_) : nullptr;
+    if (process != nullptr && process->path) folder_ = applicationFolder(*process->path);
+  }
+
+  [[nodiscard]] bool covers(const TrackedProcess& process) const {
+    if (pid_ == process.pid) return true;
+    return !folder_.empty() && process.path && applicationFolder(*process.path) == folder_;
+  }
+
+ private:
+  std::optional<std::int32_t> pid_;
+  std::string_view folder_;
+};
+
+QuitCandidate candidateOf(const HostSnapshot& snapshot, const Frontmost& frontmost, const TrackedProcess& process) {
   QuitCandidate candidate{.pid = process.pid,
                           .ppid = process.ppid,
                           .uid = process.uid,
@@ -40,6 +59,7 @@ QuitCandidate candidateOf(const HostSnapshot& snapshot, const TrackedProcess& pr
                           .hasControllingTTY = snapshot.withTerminal.contains(process.pid),
                           .userProtected = isProtectedBy(snapshot.protectionRules, process),
                           .brindle = isBrindle(process),
+                          .frontmost = frontmost.covers(process),
                           .defaultProtection = builtInProtection(process)};
   for (const int port : process.ports) {
     if (port >= 0 && port <= kHighestPort) candidate.ports.push_back(static_cast<std::uint16_t>(port));
@@ -68,6 +88,12 @@ std::optional<std::string> builtInProtection(const TrackedProcess& process) {
   return std::nullopt;
 }
 
+std::string_view applicationFolder(std::string_view path) {
+  constexpr std::string_view kEnd = ".app/";
+  const std::size_t at = path.find(kEnd);
+  return at == std::string_view::npos ? std::string_view() : path.substr(0, at + kEnd.size());
+}
+
 bool isBrindle(const TrackedProcess& process) {
   const std::string_view file = baseName(process.path ? std::string_view(*process.path) : process.name);
   return file == "brindle" || file == "BrindleHelper";
@@ -75,10 +101,11 @@ bool isBrindle(const TrackedProcess& process) {
 
 std::vector<QuitCandidate> quitCandidates(const HostSnapshot& snapshot, std::optional<std::int32_t> quitting) {
   const auto session = quitting ? sessionPids(snapshot, *quitting) : std::unordered_set<std::int32_t>{};
+  const Frontmost frontmost(snapshot);
   std::vector<QuitCandidate> candidates;
   candidates.reserve(snapshot.processes.size());
   for (const TrackedProcess& process : snapshot.processes) {
-    candidates.push_back(candidateOf(snapshot, process));
+    candidates.push_back(candidateOf(snapshot, frontmost, process));
     QuitCandidate& candidate = candidates.back();
     const bool ofSession = session.contains(process.pid) || (quitting && candidate.recordedSessionPID == quitting);
     if (process.role == ProcessRole::agent && ofSession) candidate.defaultProtection.reset();
@@ -88,8 +115,10 @@ std::vector<QuitCandidate> quitCandidates(const HostSnapshot& snapshot, std::opt
 
 ProtectionReasons protectionReasons(const HostSnapshot& snapshot) {
   ProtectionReasons reasons;
+  const Frontmost frontmost(snapshot);
   for (const TrackedProcess& process : snapshot.processes) {
-    auto reason = SessionQuitPlanner::skipReason(candidateOf(snapshot, process), snapshot.currentUser, *snapshot.rules);
+    auto reason = SessionQuitPlanner::skipReason(candidateOf(snapshot, frontmost, process), snapshot.currentUser,
+                                                 *snapshot.rules);
     if (reason) reasons.try_emplace(process.pid, std::move(*reason));
   }
   return reasons;
@@ -144,7 +173,7 @@ SafetyGate::Input safetyInput(const HostSnapshot& snapshot, const SafetyTarget& 
   if (isSession) input.name = process->agentName.value_or(process->name);
   if (isSession) {
     // As the quit plan sees the root: the protection of agents must not stand before a rule of the user.
-    QuitCandidate candidate = candidateOf(snapshot, *process);
+    QuitCandidate candidate = candidateOf(snapshot, Frontmost(snapshot), *process);
     candidate.defaultProtection.reset();
     input.protectedReason = SessionQuitPlanner::skipReason(candidate, snapshot.currentUser, *snapshot.rules);
   } else if (const auto reason = snapshot.protections.find(process->pid); reason != snapshot.protections.end()) {

@@ -22,6 +22,10 @@ inline constexpr std::string_view kConnectedReason = "Clients are connected";
 /// The label of the built-in protection of a program: "AI agents", "Terminals", "IDEs", "Databases", "Containers".
 [[nodiscard]] std::optional<std::string> builtInProtection(const TrackedProcess& process);
 
+/// The folder of the macOS application that a program belongs to, with a slash at its end: of several, as for a helper
+/// in an application, the outermost. Empty for other programs. A view into `path`.
+[[nodiscard]] std::string_view applicationFolder(std::string_view path);
+
 /// Whether it is a program of ours.
 [[nodiscard]] bool isBrindle(const TrackedProcess& process);
 

@@ -3,24 +3,23 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <map>
 #include <set>
-#include <system_error>
 #include <thread>
 #include <utility>
 
 #include "base/file.h"
-#include "base/json_reader.h"
 #include "inventory/cpu_sample.h"
 #include "platform/clock.h"
 #include "platform/directories.h"
+#include "platform/frontmost.h"
 #include "platform/ownership_store.h"
+#include "platform/settings.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {
 
-constexpr std::size_t kSettingsLimit = std::size_t{1} << 20;
 constexpr std::size_t kSampleFileLimit = std::size_t{2} << 20;
 
 std::optional<std::string> manifestText(const std::string& path) {
@@ -58,14 +57,7 @@ Outcome sampleTwice(const ListingQuestion& question, Seconds wait, const std::st
 }  // namespace
 
 ProtectionRules protectionRulesOf(const Environment& environment) {
-  const auto path = settingsFile(environment);
-  if (!path) return {};
-  // Settings are often links into a folder under version control.
-  std::error_code missing;
-  const auto resolved = std::filesystem::canonical(*path, missing);
-  const auto text = missing ? std::nullopt : std::optional(readFile(resolved.string(), kSettingsLimit));
-  const auto settings = text && *text ? parseJson(**text) : std::nullopt;
-  return settings ? protectionRulesFrom(*settings) : ProtectionRules{};
+  return protectionRulesFrom(JsonValue(settingsOf(environment).document));
 }
 
 Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuestion& question) {
@@ -86,7 +78,9 @@ Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuesti
   }
   ProjectFinder projects(homeFolder(environment).value_or(""), manifestText);
   const ProtectionRules protections = protectionRulesOf(environment);
-  const SnapshotContext context{wallClockNow(), user, hostRules(), protections};
+  // Only plans and what is told of protections need it, and those look at everything.
+  const auto frontmost = question.detail == ListingDetail::everything ? frontmostApplication() : std::nullopt;
+  const SnapshotContext context{wallClockNow(), user, hostRules(), protections, frontmost};
   HostSnapshot snapshot = snapshotOf(listing->processes, records, projects, context);
   snapshot.unownedListeners = listing->unownedListeners;
   return snapshot;

@@ -4,7 +4,9 @@
 #pragma once
 
 #include <cstddef>
+#include <system_error>
 #include <thread>
+#include <utility>
 
 #include "platform/proc_folder_linux.h"
 
@@ -12,6 +14,17 @@ namespace brindle {
 
 /// Fewer than this are quicker read by one thread.
 inline constexpr std::size_t kWorthAThread = 64;
+
+/// A thread that runs `work`; none that can be joined where the system refuses one more, as it does when a user has as
+/// many processes as the limits allow. That is when a listing is wanted most.
+template <typename Work>
+std::thread threadIfAllowed(Work&& work) {
+  try {
+    return std::thread(std::forward<Work>(work));
+  } catch (const std::system_error&) {
+    return {};
+  }
+}
 
 /// Calls `work` once with each number below `count`, and with a folder that belongs to the calling thread. The calls
 /// must not touch the same data. Returns when all are done.
@@ -21,11 +34,12 @@ void inParallel(ProcFolder& proc, std::size_t count, Work&& work) {
   const std::size_t half = second ? count / 2 : count;
   std::thread helper;
   if (second) {
-    helper = std::thread([&] {
+    helper = threadIfAllowed([&] {
       for (std::size_t at = half; at < count; ++at) work(*second, at);
     });
   }
-  for (std::size_t at = 0; at < half; ++at) work(proc, at);
+  const std::size_t own = helper.joinable() ? half : count;
+  for (std::size_t at = 0; at < own; ++at) work(proc, at);
   if (helper.joinable()) helper.join();
 }
 

@@ -8,6 +8,7 @@
 
 #include "base/file.h"
 #include "base/file_lock.h"
+#include "base/line_file.h"
 
 namespace brindle {
 namespace {
@@ -50,13 +51,21 @@ Outcome OwnershipStore::add(const std::vector<OwnershipRecord>& records) const {
   if (!lock) return tl::make_unexpected(lock.error());
   std::set<Key> known;
   for (const OwnershipRecord& record : readAll()) known.insert(keyOf(record));
+  const std::size_t size = fileSize(path_).value_or(0);
   std::string lines;
+  bool isFull = false;
   for (const OwnershipRecord& record : records) {
-    if (known.insert(keyOf(record)).second) lines += ownershipLine(record);
+    if (!known.insert(keyOf(record)).second) continue;
+    const std::string line = ownershipLine(record);
+    isFull = size + lines.size() + line.size() > kOwnershipFileLimit;
+    if (isFull) break;
+    lines += line;
   }
-  if (lines.empty()) return {};
-  if (fileSize(path_).value_or(0) + lines.size() > kOwnershipFileLimit) return fail(EFBIG, "add to " + path_);
-  return appendToFile(path_, lines);
+  if (!lines.empty()) {
+    if (auto added = appendLines(path_, lines); !added) return added;
+  }
+  if (isFull) return fail(EFBIG, "add to " + path_);
+  return {};
 }
 
 Outcome OwnershipStore::clean(const std::string& boot, const IsAlive& isAlive, std::size_t fromSize) const {

@@ -1,11 +1,13 @@
 #include "platform/proc_facts_linux.h"
 
+#include <sys/sysinfo.h>
 #include <unistd.h>
 
 #include <algorithm>
 
 #include "inventory/proc_text.h"
 #include "platform/clock.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 
@@ -26,6 +28,11 @@ ProcessFacts factsOfEntry(const ProcFolder::Entry& entry, const Machine& machine
   facts.hasTerminal = entry.stat.terminal != 0;
   facts.cpuSeconds = static_cast<double>(entry.stat.cpuTicks) / machine.ticksPerSecond;
   return facts;
+}
+
+bool swapIsUsed() {
+  struct sysinfo about = {};
+  return ::sysinfo(&about) != 0 || about.totalswap != about.freeswap;
 }
 
 void readProgram(ProcFolder& proc, ProcessFacts& facts) {

@@ -18,6 +18,9 @@ struct Machine {
 };
 [[nodiscard]] Machine machineNow();
 
+/// Whether something may be swapped out, so that it is worth asking for each process.
+[[nodiscard]] bool swapIsUsed();
+
 /// What the kernel's line of a process tells. A start that the clocks put into the future is now.
 [[nodiscard]] ProcessFacts factsOfEntry(const ProcFolder::Entry& entry, const Machine& machine);
 

@@ -116,8 +116,10 @@ std::optional<ProcFolder::Entry> ProcFolder::entry(std::int32_t pid) {
   constexpr std::size_t kLineLimit = 4096;
   Descriptor file(::openat(root_.get(), nameOf(pid, "stat").data(), O_RDONLY | O_CLOEXEC));
   if (!file) return std::nullopt;
+  // The folder's owner is the user that the process runs as. Its files are the superuser's once a process has changed
+  // its user or forbids to be traced, as servers do that bind a port first, and keepers of keys.
   struct stat about = {};
-  if (::fstat(file.get(), &about) != 0) return std::nullopt;
+  if (::fstatat(root_.get(), nameOf(pid, "").data(), &about, 0) != 0) return std::nullopt;
   const auto length = readUpTo(file.get(), buffer_.data(), kLineLimit);
   if (!length) return std::nullopt;
   auto stat = parseProcStat(std::string_view(buffer_).substr(0, *length));

@@ -1,4 +1,3 @@
-#include <sys/sysinfo.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -26,10 +25,8 @@ constexpr std::size_t kDescriptorLimit = 4096;
 
 /// Processes that are looked into before it is asked whether all sockets have been found.
 constexpr std::size_t kSocketRound = 512;
-bool swapIsUsed() {
-  struct sysinfo about = {};
-  return ::sysinfo(&about) != 0 || about.totalswap != about.freeswap;
-}
+
+constexpr const char* kPidNamespace = "ns/pid";
 
 class Listing {
  public:
@@ -39,7 +36,8 @@ class Listing {
         question_(question),
         currentUser_(question.currentUser),
         seesAll_(::geteuid() == 0),
-        swapIsUsed_(swapIsUsed()) {}
+        swapIsUsed_(swapIsUsed()),
+        ownPids_(proc_.link(::getpid(), kPidNamespace)) {}
 
   ProcessListing take() {
     readTable();
@@ -224,6 +222,7 @@ class Listing {
       ProcessFacts& facts = processes_[indices[at]];
       const auto text = proc.read(facts.pid, "environ");
       if (text) facts.variables = parseNamedVariables(*text, namedVariables());
+      if (!facts.variables.empty()) facts.otherPids = proc.link(facts.pid, kPidNamespace) != ownPids_;
     });
   }
 
@@ -233,6 +232,7 @@ class Listing {
   std::uint32_t currentUser_;
   bool seesAll_;  // the superuser reads everything of everybody
   bool swapIsUsed_;
+  std::optional<std::string> ownPids_;
   std::vector<ProcessFacts> processes_;
   std::optional<ProcessForest> forest_;
   int unownedListeners_ = 0;

@@ -37,7 +37,7 @@ struct ProcessListing {
   /// ended but not been waited for are left out.
   std::vector<ProcessFacts> processes;
   /// Listening sockets whose process was not found: it belongs to another user, or hides. 0 where only the agents and
-  /// what is below them were looked at.
+  /// what is below them were looked at, and on macOS, which tells a user about the sockets of own processes only.
   int unownedListeners = 0;
 };
 

@@ -53,6 +53,8 @@ Result<ProcessListing> listProcesses(const ListingQuestion& question) {
     readProgram(facts);
     if (facts.uid == currentUser) readDetails(facts);
   }
+  // Sockets are found through processes here, so there is none without one; those of others are not seen at all, and
+  // that they were not inspected is told of their processes.
   return ProcessListing{std::move(processes), 0};
 }
 

@@ -1,7 +1,10 @@
 #include "platform/process_stopper.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <optional>
 
@@ -10,19 +13,36 @@
 namespace brindle {
 namespace {
 
+/// Descriptors for everything but the handles: the streams, and what is open for a moment while a handle is opened.
+constexpr std::size_t kOtherDescriptors = 32;
+
+/// How many handles can be open at once. The usual limit of 1,024 descriptors is raised for more, since an agent may
+/// have started more processes than that.
+std::size_t handlesAllowed(std::size_t wanted) {
+  rlimit limit = {};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return wanted;
+  const rlim_t needed = wanted + kOtherDescriptors;
+  if (limit.rlim_cur < needed) {
+    const rlimit raised = {.rlim_cur = std::min(needed, limit.rlim_max), .rlim_max = limit.rlim_max};
+    if (::setrlimit(RLIMIT_NOFILE, &raised) == 0) limit = raised;
+  }
+  if (limit.rlim_cur >= needed) return wanted;
+  return limit.rlim_cur > kOtherDescriptors ? static_cast<std::size_t>(limit.rlim_cur) - kOtherDescriptors : 0;
+}
+
 class Round {
  public:
-  explicit Round(const std::vector<StopTarget>& targets) : targets_(targets), fates_(targets.size(), StopFate::gone) {
-    for (std::size_t at = 0; at < targets.size(); ++at) {
-      handles_.emplace_back();
-      if (targets[at].pid == ::getpid()) {
-        fates_[at] = StopFate::refused;
-        continue;
-      }
+  explicit Round(const std::vector<StopTarget>& targets)
+      : targets_(targets), handles_(targets.size()), fates_(targets.size(), StopFate::refused) {
+    const std::size_t allowed = handlesAllowed(targets.size());
+    for (std::size_t at = 0; at < allowed; ++at) {
+      if (targets[at].pid == ::getpid()) continue;
       auto handle = ProcessHandle::open({targets[at].pid, targets[at].startTime});
       if (handle) {
         handles_[at].emplace(std::move(*handle));
         fates_[at] = StopFate::running;
+      } else if (handle.error().code == ESRCH) {
+        fates_[at] = StopFate::gone;
       }
     }
   }

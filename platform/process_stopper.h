@@ -29,7 +29,7 @@ enum class StopFate {
   gone,
   /// It has been asked to end, and runs.
   running,
-  /// It could not be signalled.
+  /// It could not be signalled: it may not be, or there were too many for the limit of open descriptors.
   refused,
 };
 
@@ -40,7 +40,8 @@ struct StopManner {
   bool force = false;
 };
 
-/// The fates of `targets` in their order. Never touches the calling process.
+/// The fates of `targets` in their order. Never touches the calling process. May raise this process's limit of open
+/// descriptors up to what it is allowed.
 [[nodiscard]] std::vector<StopFate> stopProcesses(const std::vector<StopTarget>& targets, const StopManner& manner);
 
 }  // namespace brindle

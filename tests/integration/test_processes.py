@@ -2,12 +2,10 @@
 
 import json
 import os
-import pathlib
 import re
 import shutil
 import signal
 import subprocess
-import time
 import unittest
 
 from process_case import BRINDLE, ProcessCase, free_port, is_listening, wait_until
@@ -245,67 +243,7 @@ class Stopping(ProcessCase):
             self.brindle(*words, code=2)
 
 
-class Peers(ProcessCase):
-    @unittest.skipUnless(shutil.which("ss"), "skipped: there is no ss")
-    def test_ports_names_the_listeners_that_ss_names(self):
-        ports = [free_port() for _ in range(3)]
-        self.agent("\n".join(self.server_line(port, f"server{port}") for port in ports), name="bash-stand-in")
-        for port in ports:
-            self.pid_from(f"server{port}")
-            wait_until(lambda: is_listening(port), "a server")
-        before = self.listeners_of_ss()
-        ours = {}
-        for row in self.document("ports")["listeners"]:
-            ours.setdefault(row["port"], set()).add(row["pid"])
-        after = self.listeners_of_ss()
-        lasting = {port: before[port] & after[port] for port in before.keys() & after.keys()}
-        self.assertLessEqual(set(ports), set(lasting))
-        for port, holders in lasting.items():
-            if holders:
-                self.assertIn(port, ours)
-                self.assertTrue(ours[port] & holders, f"port {port}: {ours[port]} is none of {holders}")
-        for port in ours:
-            self.assertTrue(port in before or port in after, f"nobody listens on port {port}")
-
-    def listeners_of_ss(self):
-        """The pids of all holders of each listening port; none where ss could not tell."""
-        listing = subprocess.run(["ss", "-Hltnp"], capture_output=True, text=True, check=True).stdout
-        found = {}
-        for line in listing.splitlines():
-            port = int(line.split()[3].rpartition(":")[2])
-            found.setdefault(port, set()).update(int(pid) for pid in re.findall(r"pid=(\d+)", line))
-        return found
-
-    def test_the_snapshot_agrees_with_ps(self):
-        self.agent("sleep 1000 & sleep 1000 &")
-        before = self.processes_of_ps()
-        ours = {each["pid"]: each for each in json.loads(self.brindle("snapshot", code=0).stdout)}
-        after = self.processes_of_ps()
-        lasting = [pid for pid in before if pid in after and before[pid][:2] == after[pid][:2]]
-        self.assertGreater(len(lasting), 2)
-        for pid in lasting:
-            self.assertIn(pid, ours)
-            self.assertEqual((ours[pid]["ppid"], ours[pid]["uid"]), before[pid][:2])
-            earliest, latest = before[pid][2:]
-            self.assertTrue(earliest <= ours[pid]["start"] <= latest, f"start of {pid}")
-        agent = [each for each in ours.values() if each.get("agentName") == "Claude Code" and each.get("cwd") == str(self.project)]
-        self.assertEqual(len(agent), 1)
-
-    def processes_of_ps(self):
-        """Parent, user, earliest and latest start of each process that is no kernel thread and has not ended."""
-        kernel = pathlib.Path("/proc/2/comm")
-        threads = "2" if kernel.exists() and kernel.read_text().strip() == "kthreadd" else None
-        began = time.time()
-        listing = subprocess.run(["ps", "-eo", "pid=,ppid=,uid=,etimes=,stat="], capture_output=True, text=True, check=True)
-        ended = time.time()
-        found = {}
-        for line in listing.stdout.splitlines():
-            pid, parent, user, age, state = line.split()
-            if not state.startswith("Z") and threads not in (pid, parent):
-                # Ages are whole seconds, and the system's clocks may be adjusted a little against each other.
-                found[int(pid)] = (int(parent), int(user), began - int(age) - 2, ended - int(age) + 2)
-        return found
-
+class Recorded(ProcessCase):
     def test_a_recorded_snapshot_gives_the_documents_of_that_moment(self):
         port = free_port()
         agent = self.agent(self.server_line(port, "server"))

@@ -51,6 +51,22 @@ TEST(ProcessOrigin, ABackgroundServerOfALivingOwnerIsOwned) {
             (std::vector<ProcessOrigin>{{500, OriginTie::owned, OriginEvidence::ownerPid, "Claude Code", 400, true}}));
 }
 
+TEST(ProcessOrigin, AnOwnersPidOfAnotherNamespaceSaysNothing) {
+  const auto originsOf = [](Host host) {
+    host.processes.back().otherPids = true;
+    return host.origins();
+  };
+  // A living agent in the same container, which has another pid here.
+  const Host host = Host().agent(40400, 50).server(500, 900, 100, {{"CLAUDECODE", "1"}, {"CLAUDE_PID", "400"}});
+  EXPECT_EQ(host.origins().at(0).tie, OriginTie::leftBehind);
+  EXPECT_TRUE(originsOf(host).empty());
+  // One that happens to have the pid here.
+  EXPECT_TRUE(originsOf(Host().agent(400, 50).server(500, 900, 100, {{"CLAUDE_PID", "400"}})).empty());
+  // The rest of the evidence stands.
+  const auto origins = originsOf(Host().server(500, 900, 100, {{"CLAUDECODE", "1"}, {"CLAUDE_PID", "400"}}));
+  EXPECT_EQ(origins.at(0).evidence, OriginEvidence::environment);
+}
+
 TEST(ProcessOrigin, AnOwnerThatStartedLaterThanTheChildIsAnotherProcess) {
   const auto tie = [](std::int64_t ownerStart) {
     const auto origins = Host().agent(400, ownerStart).server(500, 1, 100, {{"CLAUDE_PID", "400"}}).origins();

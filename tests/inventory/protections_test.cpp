@@ -61,6 +61,33 @@ TEST(Protections, AShellIsProtectedWhileItHoldsATerminal) {
   EXPECT_FALSE(reasons.contains(12));
 }
 
+TEST(Protections, TheFrontmostApplicationIsProtectedWithItsHelpersAndNotWithWhatItStarted) {
+  const std::string folder = "/Applications/Some Browser.app/Contents/";
+  TrackedProcess front = process(11, 1, "Some Browser");
+  front.path = folder + "MacOS/Some Browser";
+  TrackedProcess helper = process(12, 11, "Some Helper");
+  helper.path = folder + "Helpers/Some Helper.app/Contents/MacOS/Some Helper";
+  TrackedProcess namesake = process(14, 1, "Some Browser");
+  namesake.path = "/Applications/Other.app/Contents/MacOS/Some Browser";
+  HostSnapshot host = snapshot({front, helper, process(13, 11, "node"), namesake});
+  EXPECT_TRUE(host.protections.empty());
+  host.frontmost = 11;
+  EXPECT_EQ(protectionReasons(host), (ProtectionReasons{{11, "The app you're using"}, {12, "The app you're using"}}));
+  EXPECT_EQ(safetyInput(host, {.pid = 13}).protectedReason, std::nullopt);
+  // A program that is no application of its own is itself alone, and one that is not there is nobody.
+  host.frontmost = 13;
+  EXPECT_EQ(protectionReasons(host), (ProtectionReasons{{13, "The app you're using"}}));
+  host.frontmost = 99;
+  EXPECT_TRUE(protectionReasons(host).empty());
+}
+
+TEST(Protections, AnApplicationsFolderIsTheOutermost) {
+  EXPECT_EQ(applicationFolder("/Applications/A.app/Contents/B.app/Contents/MacOS/B"), "/Applications/A.app/");
+  EXPECT_EQ(applicationFolder("/usr/bin/A.app"), "");
+  EXPECT_EQ(applicationFolder("/usr/bin/A.apple/x"), "");
+  EXPECT_EQ(applicationFolder(""), "");
+}
+
 TEST(Protections, TheUsersRulesCoverNamesPathsAndPorts) {
   TrackedProcess listener = process(13, 1, "node");
   listener.ports = {4000};

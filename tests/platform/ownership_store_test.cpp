@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "tests/platform/temporary_folder.h"
 
@@ -53,6 +55,39 @@ TEST(OwnershipStore, DamagedLinesArePassedOver) {
   EXPECT_EQ(store.records("b"), Records{record(501)});
 }
 
+TEST(OwnershipStore, ARecordAfterThePieceOfAKilledWriterIsNotLostWithIt) {
+  const std::string piece = ownershipLine(record(502));
+  for (std::size_t length = 1; length + 1 < piece.size(); ++length) {
+    const TemporaryFolder folder;
+    const OwnershipStore store(folder.path());
+    folder.write("ownership.jsonl", ownershipLine(record(501)) + piece.substr(0, length));
+    ASSERT_TRUE(store.add({record(503)}));
+    ASSERT_EQ(store.records("b"), (Records{record(501), record(503)})) << length;
+  }
+}
+
+TEST(OwnershipStore, AWholeLastLineWithoutItsLineFeedStaysARecord) {
+  const TemporaryFolder folder;
+  const OwnershipStore store(folder.path());
+  std::string line = ownershipLine(record(501));
+  line.pop_back();
+  folder.write("ownership.jsonl", line);
+  ASSERT_TRUE(store.add({record(502)}));
+  EXPECT_EQ(store.records("b"), (Records{record(501), record(502)}));
+}
+
+TEST(OwnershipStore, NeitherRecordsNorLockFollowASymbolicLink) {
+  for (const std::string name : {"ownership.jsonl", "ownership.lock"}) {
+    const TemporaryFolder folder;
+    const OwnershipStore store(folder.path());
+    folder.write("victim", "kept");
+    std::filesystem::create_symlink(folder.path() + "/victim", folder.path() + "/" + name);
+    EXPECT_FALSE(store.add({record(501)})) << name;
+    std::ifstream victim(folder.path() + "/victim");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(victim), {}), "kept") << name;
+  }
+}
+
 TEST(OwnershipStore, CleaningKeepsTheLivingOfThisBoot) {
   const TemporaryFolder folder;
   const OwnershipStore store(folder.path());
@@ -85,6 +120,23 @@ TEST(OwnershipStore, GrowsToItsLimitAndNoFurther) {
   ASSERT_TRUE(store.clean("b", everyoneLives));
   EXPECT_TRUE(store.add({record(502)}));
   EXPECT_EQ(store.records("b").size(), 2U);
+}
+
+TEST(OwnershipStore, OfMoreThanFitsTheFirstAreAdded) {
+  const TemporaryFolder folder;
+  const OwnershipStore store(folder.path());
+  Records many;
+  std::size_t fitting = 0;
+  std::size_t size = 0;
+  for (std::int32_t pid = 10'000; pid < 20'000; ++pid) {
+    many.push_back(record(pid));
+    size += ownershipLine(many.back()).size();
+    if (size <= kOwnershipFileLimit) ++fitting;
+  }
+  ASSERT_LT(fitting, many.size());
+  EXPECT_EQ(store.add(many).error().code, EFBIG);
+  many.resize(fitting);
+  EXPECT_EQ(store.records("b"), many);
 }
 
 TEST(OwnershipStore, AFileThatIsTooLargeIsReadAsEmptyAndReplaced) {

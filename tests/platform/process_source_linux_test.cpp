@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,20 +21,22 @@ namespace {
 /// A child that waits until it is signalled; ended and reaped with the value.
 class Child {
  public:
-  explicit Child(bool ignoresTerm = false, const char* name = nullptr) {
+  Child() : Child([] { return true; }) {}
+  /// `prepare` runs in the child first.
+  template <typename Prepare>
+  explicit Child(Prepare&& prepare) {
     int ready[2] = {};
     if (::pipe(ready) != 0) return;
     pid_ = ::fork();
     if (pid_ == 0) {
-      if (ignoresTerm) ::signal(SIGTERM, SIG_IGN);
-      if (name != nullptr) ::prctl(PR_SET_NAME, name);
+      if (!prepare()) ::_exit(1);
       (void)!::write(ready[1], "x", 1);
       for (;;) ::pause();
     }
+    ::close(ready[1]);
     char byte = 0;
     (void)!::read(ready[0], &byte, 1);
     ::close(ready[0]);
-    ::close(ready[1]);
   }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
@@ -103,12 +106,23 @@ TEST(ProcessSource, ASocketSharedWithAChildBelongsToTheParent) {
 
 TEST(ProcessSource, NamesOfAnyBytesAreSeenAsTheyAre) {
   for (const char* name : {"a b) c", "x\ny", "\xff\xfe(", ")"}) {
-    const Child child(false, name);
+    const Child child([name] { return ::prctl(PR_SET_NAME, name) == 0; });
     const std::vector<ProcessFacts> chain = processChain(child.pid());
     ASSERT_FALSE(chain.empty());
     EXPECT_EQ(chain.front().name, name);
     EXPECT_EQ(chain.front().ppid, ::getpid());
   }
+}
+
+TEST(ProcessSource, AProcessThatForbidsToBeTracedIsItsOwnUsers) {
+  // Without rights the files of such a process show the superuser; with them, it takes another user to see that.
+  const uid_t user = ::geteuid() == 0 ? 65534 : ::geteuid();
+  const Child child([user] { return ::setuid(user) == 0 && ::prctl(PR_SET_DUMPABLE, 0) == 0; });
+  const auto listing = listProcesses({::geteuid(), ListingDetail::listeners});
+  ASSERT_TRUE(listing);
+  const ProcessFacts* found = find(*listing, child.pid());
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->uid, user);
 }
 
 TEST(ProcessSource, AChainGoesUpToTheFirstProcess) {
@@ -185,7 +199,7 @@ TEST(ProcessStopper, AsksTheRestAfterTheFirst) {
 }
 
 TEST(ProcessStopper, ForceEndsWhatDoesNotListenAndNothingElseDoes) {
-  const Child stubborn(true);
+  const Child stubborn([] { return ::signal(SIGTERM, SIG_IGN) != SIG_ERR; });
   const std::vector<StopTarget> targets{{stubborn.pid(), *startStampOf(stubborn.pid()), true}};
   EXPECT_EQ(stopProcesses(targets, {.patience = Seconds{0.05}}), std::vector{StopFate::running});
   EXPECT_EQ(stopProcesses(targets, {.patience = Seconds{0.2}, .force = true}), std::vector{StopFate::stopped});
@@ -196,6 +210,34 @@ TEST(ProcessStopper, AReusedPidIsNotTouched) {
   const std::vector<StopTarget> targets{{child.pid(), *startStampOf(child.pid()) - 1, true}};
   EXPECT_EQ(stopProcesses(targets, {.patience = Seconds{1}, .force = true}), std::vector{StopFate::gone});
   EXPECT_TRUE(startStampOf(child.pid()));
+}
+
+/// The fates of `count` children that are stopped under a limit of descriptors.
+std::vector<StopFate> fatesUnder(const rlimit& limit, std::size_t count) {
+  const std::vector<Child> children(count);
+  std::vector<StopTarget> targets;
+  for (const Child& child : children) targets.push_back({child.pid(), *startStampOf(child.pid()), true});
+  rlimit before = {};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+  auto fates = stopProcesses(targets, {.patience = Seconds{20}});
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  return fates;
+}
+
+TEST(ProcessStopper, MoreThanTheUsualLimitOfDescriptorsAreStopped) {
+  rlimit few = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &few), 0);
+  ASSERT_GE(few.rlim_max, 100U);
+  few.rlim_cur = 40;
+  EXPECT_EQ(fatesUnder(few, 60), std::vector(60, StopFate::stopped));
+}
+
+TEST(ProcessStopper, WhatNoDescriptorIsLeftForIsNotSaidToHaveEnded) {
+  if (::geteuid() != 0) GTEST_SKIP() << "skipped: taking a limit back takes root";
+  std::vector<StopFate> expected(60, StopFate::refused);
+  std::ranges::fill_n(expected.begin(), 18, StopFate::stopped);
+  EXPECT_EQ(fatesUnder({.rlim_cur = 40, .rlim_max = 50}, 60), expected);
 }
 
 TEST(ProcessStopper, NeverTouchesItself) {
