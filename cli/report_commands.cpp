@@ -69,9 +69,9 @@ void remarkUnreadSettings(CommandContext& context) {
 int runReport(const Arguments& arguments, CommandContext& context, const ReportKind& kind) {
   const auto [options, problem] = reportOptionsOf(arguments);
   if (!problem.empty()) return wrongUsage(context, problem);
-  remarkUnreadSettings(context);
   const bool clears =
       options.watch && !options.json && context.terminals.output && context.environment("TERM") != "dumb";
+  if (!clears) remarkUnreadSettings(context);
   std::string told;
   for (;;) {
     const ReportSnapshotResult snapshot = snapshotFor(options, kind.detail, context.environment);
@@ -81,6 +81,8 @@ int runReport(const Arguments& arguments, CommandContext& context, const ReportK
     }
     const Report report = kind.make(*snapshot, options, context.output);
     context.output.print(clears ? screenFrame(report.text) : report.text);
+    // What a picture has said the next one takes away.
+    if (clears) remarkUnreadSettings(context);
     const std::string unseen = options.json ? std::string() : ReportText::unseen(*snapshot);
     if (!unseen.empty() && (unseen != told || clears)) context.output.remark(unseen);
     told = unseen;
