@@ -5,54 +5,33 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 
 #include "base/descriptor.h"
-#include "base/uuid.h"
+#include "base/file_writing.h"
+#include "base/stale_temporary.h"
 
 namespace brindle {
 namespace {
 
-constexpr mode_t kFileMode = 0600;
-constexpr mode_t kFolderMode = 0700;
 constexpr std::size_t kReadChunk = std::size_t{64} << 10;
 
-/// Reports a write that failed: refused access has one code in both editions.
-tl::unexpected<Failure> writeFailure(int code, std::string doing) {
-  const bool refused = code == EACCES || code == EPERM || code == EROFS;
-  return fail(refused ? kFileWriteNoPermission : code, std::move(doing));
-}
-
-/// EISDIR or EINVAL unless `file` is a regular file: a pipe or device in its place could block for ever.
-int checkRegular(const Descriptor& file, struct stat& status) {
-  if (::fstat(file.get(), &status) != 0) return errno;
-  if (S_ISDIR(status.st_mode)) return EISDIR;
-  return S_ISREG(status.st_mode) ? 0 : EINVAL;
-}
-
-int writeAll(const Descriptor& file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return errno;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return 0;
-}
-
-/// Opens a fresh file, writes and flushes it, and gives it its name; 0 or an errno value.
+/// Opens a fresh file, writes and flushes it, gives it its name and sweeps; 0 or an errno value.
 int writeAndRename(const std::string& temporary, const std::string& path, std::string_view bytes) {
   Descriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode));
   if (!file) return errno;
   int code = writeAll(file, bytes);
+  // The clock that the temporary files of others are measured by, too.
+  struct stat written {};
+  if (code == 0 && ::fstat(file.get(), &written) != 0) code = errno;
   // Without it a crash of the machine can leave the new name with none of its bytes; an empty file has none to lose.
   if (code == 0 && !bytes.empty() && ::fsync(file.get()) != 0 && errno != EINVAL) code = errno;
   // Some file systems report a full disk only here.
   if (::close(file.release()) != 0 && code == 0 && errno != EINTR) code = errno;
   if (code == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) code = errno;
   if (code != 0) ::unlink(temporary.c_str());
+  if (code == 0) removeStaleTemporaries(path, written.st_mtime);
   return code;
 }
 
@@ -62,9 +41,9 @@ Result<std::string> readFile(const std::string& path, std::size_t limit) {
   const std::string doing = "read " + path;
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
   if (!file) return fail(errno, doing);
-  struct stat status {};
-  if (const int code = checkRegular(file, status); code != 0) return fail(code, doing);
-  const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
+  const auto known = regularFileSize(file);
+  if (!known) return fail(known.error(), doing);
+  const auto size = static_cast<std::size_t>(std::max<off_t>(*known, 0));
   if (size > limit) return fail(EFBIG, doing);
   std::string bytes;
   // Files of the system report no size; one that grows meanwhile is read as far as it goes.
@@ -80,23 +59,8 @@ Result<std::string> readFile(const std::string& path, std::size_t limit) {
   }
 }
 
-Outcome appendToFile(const std::string& path, std::string_view bytes) {
-  const std::string doing = "append to " + path;
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-  const Descriptor file(::open(path.c_str(), kFlags, kFileMode));
-  if (!file) return writeFailure(errno, doing);
-  struct stat status {};
-  if (const int code = checkRegular(file, status); code != 0) return writeFailure(code, doing);
-  if (const int code = writeAll(file, bytes); code != 0) {
-    // Half a record would spoil the next one. A failure here leaves what a reader must bear anyway after a crash.
-    (void)!::ftruncate(file.get(), status.st_size);
-    return writeFailure(code, doing);
-  }
-  return {};
-}
-
 Outcome replaceFile(const std::string& path, std::string_view bytes) {
-  const int code = writeAndRename(path + "." + randomUuidText() + ".tmp", path, bytes);
+  const int code = writeAndRename(temporaryPathFor(path), path, bytes);
   if (code != 0) return writeFailure(code, "replace " + path);
   return {};
 }

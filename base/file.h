@@ -1,5 +1,5 @@
-// Whole files: bounded reads, appends of one record, atomic replacement. Never follows a symbolic link at the last
-// component of a store's own file; created files have mode 0600, created folders 0700.
+// Whole files: bounded reads, atomic replacement. Never follows a symbolic link at the last component of a store's own
+// file; created files have mode 0600, created folders 0700.
 #pragma once
 
 #include <cstddef>
@@ -14,11 +14,8 @@ namespace brindle {
 /// The whole file. ENOENT when there is none; EFBIG when it has more than `limit` bytes; ELOOP for a link.
 [[nodiscard]] Result<std::string> readFile(const std::string& path, std::size_t limit);
 
-/// Adds `bytes` at the end, creating the file where needed; writes all of it or cuts the file back to where it was.
-Outcome appendToFile(const std::string& path, std::string_view bytes);
-
 /// Replaces the file in one step: a reader sees the old bytes or the new, never a mixture, and on failure the old
-/// file stays whole and no temporary file stays behind.
+/// file stays whole and no temporary file stays behind. What earlier replacements left that were killed is removed.
 Outcome replaceFile(const std::string& path, std::string_view bytes);
 
 /// Creates the folder and its missing parents with mode 0700; success when it is there. Refused with

@@ -144,6 +144,14 @@ std::string lowerCase(std::string_view text) {
   return result;
 }
 
+bool beginsWithAnyCase(std::string_view text, std::string_view lowerPrefix) {
+  if (text.size() < lowerPrefix.size()) return false;
+  return std::equal(lowerPrefix.begin(), lowerPrefix.end(), text.begin(), [](char lower, char given) {
+    const bool isCapital = given >= 'A' && given <= 'Z';
+    return (isCapital ? static_cast<char>(given - 'A' + 'a') : given) == lower;
+  });
+}
+
 std::size_t scalarLength(std::string_view text) {
   if (text.empty()) return 0;
   const Scalar scalar = firstScalar(text);

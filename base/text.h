@@ -26,6 +26,10 @@ namespace brindle {
 /// Full lower-case mapping independent of the locale; U+0130 becomes "i" and U+0307.
 [[nodiscard]] std::string lowerCase(std::string_view text);
 
+/// Whether `text` begins with `lowerPrefix`, the ASCII letters of `text` taken as lower case and all others as they
+/// are.
+[[nodiscard]] bool beginsWithAnyCase(std::string_view text, std::string_view lowerPrefix);
+
 /// The bytes of the well-formed UTF-8 scalar at the start of `text`: 1 to 4, or 0 when there is none.
 [[nodiscard]] std::size_t scalarLength(std::string_view text);
 

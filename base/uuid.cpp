@@ -4,12 +4,17 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <string_view>
 
 namespace brindle {
 
+namespace {
+
+constexpr std::string_view kDigits = "0123456789ABCDEF";
+constexpr std::string_view kForm = "00000000-0000-0000-0000-000000000000";
+
+}  // namespace
+
 std::string uuidText(const std::array<std::uint8_t, 16>& bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text;
   text.reserve(36);
   for (std::size_t index = 0; index < bytes.size(); ++index) {
@@ -18,6 +23,15 @@ std::string uuidText(const std::array<std::uint8_t, 16>& bytes) {
     text += kDigits[bytes[index] & 15];
   }
   return text;
+}
+
+bool isUuidText(std::string_view text) {
+  if (text.size() != kForm.size()) return false;
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    const bool right = kForm[index] == '-' ? text[index] == '-' : kDigits.find(text[index]) != std::string_view::npos;
+    if (!right) return false;
+  }
+  return true;
 }
 
 std::string randomUuidText() {

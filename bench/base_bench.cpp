@@ -15,6 +15,7 @@
 #include "base/iso8601.h"
 #include "base/json_reader.h"
 #include "base/json_writer.h"
+#include "base/line_file.h"
 #include "base/text.h"
 
 namespace brindle {
@@ -69,7 +70,7 @@ void AppendLine(benchmark::State& state) {
   const std::string line = inboxLines().front() + "\n";
   for (auto _ : state) {
     const auto lock = FileLock::acquire(lockPath);
-    if (!lock || !appendToFile(path, line)) std::abort();
+    if (!lock || !appendLines(path, line)) std::abort();
   }
   (void)removeFile(path);
   (void)removeFile(lockPath);

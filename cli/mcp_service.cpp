@@ -7,12 +7,12 @@
 #include "base/text.h"
 #include "base/uuid.h"
 #include "cli/agent_text.h"
-#include "cli/settings.h"
 #include "inventory/protections.h"
 #include "logic/mcp/mcp_heartbeat.h"
 #include "logic/mcp/mcp_quit_inbox.h"
 #include "logic/mcp/mcp_request_log.h"
 #include "logic/reports/cli_reports.h"
+#include "platform/settings.h"
 
 namespace brindle {
 namespace {

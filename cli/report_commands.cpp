@@ -9,6 +9,7 @@
 #include "cli/exit_code.h"
 #include "cli/report_text.h"
 #include "logic/reports/cli_reports.h"
+#include "platform/settings.h"
 
 namespace brindle {
 namespace {
@@ -61,9 +62,15 @@ constexpr OptionSpec kSnapshotOptions[] = {kSampleOption, kSnapshotOption, kNowO
 
 }  // namespace
 
+void remarkUnreadSettings(CommandContext& context) {
+  const std::string problem = settingsOf(context.environment).problem;
+  if (!problem.empty()) context.output.remark(problem);
+}
+
 int runReport(const Arguments& arguments, CommandContext& context, const ReportKind& kind) {
   const auto [options, problem] = reportOptionsOf(arguments);
   if (!problem.empty()) return wrongUsage(context, problem);
+  remarkUnreadSettings(context);
   std::string told;
   for (;;) {
     const ReportSnapshotResult snapshot = snapshotFor(options, kind.detail, context.environment);

@@ -23,8 +23,11 @@ struct ReportKind {
   std::function<Report(const HostSnapshot&, const ReportOptions&, const Output&)> make;
 };
 
-/// Reads the options, looks, prints; again and again when watching. Exit code 0, 1 when nothing was found, 2 for wrong
-/// usage and when the machine or the file could not be read.
+/// Reads the options, looks, prints, and names settings that could not be read; again and again when watching. Exit
+/// code 0, 1 when nothing was found, 2 for wrong usage and when the machine or the file could not be read.
 [[nodiscard]] int runReport(const Arguments& arguments, CommandContext& context, const ReportKind& kind);
+
+/// Says in one line when there are settings that could not be read: what they protect is then unknown.
+void remarkUnreadSettings(CommandContext& context);
 
 }  // namespace brindle

@@ -1,11 +1,14 @@
 #include "cli/setup_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <vector>
 
+#include "base/descriptor.h"
 #include "base/file.h"
 #include "base/json_reader.h"
 
@@ -69,22 +72,64 @@ std::optional<Origin> originOf(const SettingsEdit& edit, const std::string& now,
   return Origin{backup};
 }
 
-Outcome replaceKeepingRights(const SettingsChange& change) {
+/// Whose a file or folder is, and who may use it.
+struct Rights {
+  uid_t user;
+  gid_t group;
+  mode_t mode;
+};
+
+/// Those of the file; of one that is missing, what suits the owner of the nearest folder that is there.
+Rights rightsFor(const std::string& file) {
   struct stat status {};
-  const bool known = ::stat(change.target.c_str(), &status) == 0;
-  if (const Outcome written = replaceFile(change.target, *change.after); !written || !known) return written;
-  // Root may edit a user's file; anybody else has the same owner before and after.
-  if (status.st_uid != ::geteuid() && ::chown(change.target.c_str(), status.st_uid, status.st_gid) != 0) {
-    return fail(errno, "give back " + change.target);
+  if (::stat(file.c_str(), &status) == 0) return {status.st_uid, status.st_gid, status.st_mode & 07777};
+  fs::path folder = fs::path(file).parent_path();
+  while (::stat(folder.c_str(), &status) != 0 && folder.has_relative_path()) folder = folder.parent_path();
+  return {status.st_uid, status.st_gid, 0600};
+}
+
+/// Gives what this process has just made to whom it belongs: root may edit a user's settings, and the user's agent must
+/// be able to read them. By descriptor, and only what is still ours: the folder is the user's, who could put a link to
+/// anything in its place.
+Outcome giveRights(const std::string& path, const Rights& rights) {
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+  struct stat status {};
+  if (!file || ::fstat(file.get(), &status) != 0) return fail(errno, "give back " + path);
+  const bool foreign = rights.user != status.st_uid;
+  if (foreign && status.st_uid != ::geteuid()) return fail(EPERM, "give back " + path);
+  if (foreign || rights.group != status.st_gid) {
+    // Somebody who is no longer of the file's group cannot keep it, and loses nothing of their own.
+    if (::fchown(file.get(), rights.user, rights.group) != 0 && foreign) return fail(errno, "give back " + path);
   }
-  if (::chmod(change.target.c_str(), status.st_mode & 07777) != 0) return fail(errno, "chmod " + change.target);
+  if (::fchmod(file.get(), rights.mode) != 0) return fail(errno, "chmod " + path);
   return {};
 }
 
-Outcome keepBackup(const SettingsChange& change) {
+Outcome replaceWithRights(const std::string& path, const std::string& text, const Rights& rights) {
+  if (const Outcome written = replaceFile(path, text); !written) return written;
+  return giveRights(path, rights);
+}
+
+Outcome makeFolders(const std::string& folder, const Rights& owner) {
+  std::vector<std::string> missing;
+  struct stat status {};
+  for (fs::path each = folder; each.has_relative_path() && ::stat(each.c_str(), &status) != 0;) {
+    missing.push_back(each.string());
+    each = each.parent_path();
+  }
+  if (missing.empty()) return {};
+  if (const Outcome made = ensureFolder(folder); !made) return made;
+  for (const std::string& each : missing) {
+    if (const Outcome given = giveRights(each, {owner.user, owner.group, 0700}); !given) return given;
+  }
+  return {};
+}
+
+Outcome keepBackup(const SettingsChange& change, const Rights& owner) {
   if (!change.firstTouch) return {};
   const std::string path = backupPath(change.path);
-  return change.before ? replaceFile(path, *change.before) : removeFile(path);
+  if (!change.before) return removeFile(path);
+  return replaceWithRights(path, *change.before, {owner.user, owner.group, 0600});
 }
 
 }  // namespace
@@ -124,13 +169,12 @@ SettingsChange plannedRemoval(const SettingsEdit& edit) {
 std::string carriedOut(const SettingsChange& change) {
   if (!change.changes()) return {};
   if (find(change.path).text != change.before) return "changed by another program in this moment; try again";
+  const Rights rights = rightsFor(change.target);
   const std::string folder = fs::path(change.target).parent_path().string();
-  std::error_code unknown;
-  if (!change.before && !fs::is_directory(folder, unknown)) {
-    if (const Outcome made = ensureFolder(folder); !made) return made.error().message();
-  }
-  if (const Outcome kept = keepBackup(change); !kept) return kept.error().message();
-  const Outcome done = change.after ? replaceKeepingRights(change) : removeFile(change.target);
+  if (const Outcome made = makeFolders(folder, rights); !made) return made.error().message();
+  if (const Outcome kept = keepBackup(change, rights); !kept) return kept.error().message();
+  const Outcome done =
+      change.after ? replaceWithRights(change.target, *change.after, rights) : removeFile(change.target);
   if (!done) return done.error().message();
   if (!change.restores) return {};
   const Outcome cleaned = removeFile(backupPath(change.path));

@@ -54,7 +54,8 @@ struct SettingsChange {
 [[nodiscard]] SettingsChange plannedAddition(const SettingsEdit& edit);
 [[nodiscard]] SettingsChange plannedRemoval(const SettingsEdit& edit);
 
-/// Does it: the copy first, then the file, whose owner and permissions stay; missing folders are made. Answers what
+/// Does it: the copy first, then the file, whose owner and permissions stay; missing folders are made. What is new
+/// belongs to the owner of the folder that it lies in, also when root edits. Answers what
 /// went wrong, one line, with the file as it was; empty when nothing did. A file that has been changed since it was
 /// read is left alone.
 [[nodiscard]] std::string carriedOut(const SettingsChange& change);

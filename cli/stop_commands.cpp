@@ -38,6 +38,7 @@ std::optional<HostSnapshot> living(CommandContext& context) {
     context.output.remark(snapshot.error());
     return std::nullopt;
   }
+  remarkUnreadSettings(context);
   // What survives its agent must be known later; a failure costs that evidence, not this command.
   (void)rememberOwners(context.environment, *snapshot).has_value();
   return std::move(*snapshot);

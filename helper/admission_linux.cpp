@@ -25,22 +25,20 @@ bool isAuthorised(sd_bus_message* reply) {
 
 }  // namespace
 
-bool Admission::trusts(sd_bus_message* call) {
+std::optional<uid_t> Admission::userOf(sd_bus_message* call) {
   sd_bus_creds* found = nullptr;
-  if (sd_bus_query_sender_creds(call, SD_BUS_CREDS_EUID, &found) < 0) return false;
+  if (sd_bus_query_sender_creds(call, SD_BUS_CREDS_EUID, &found) < 0) return std::nullopt;
   const BusCredentials credentials(found);
   // Augmented values were read from /proc afterwards, when the process may have become another one.
-  if ((sd_bus_creds_get_augmented_mask(found) & SD_BUS_CREDS_EUID) != 0) return false;
+  if ((sd_bus_creds_get_augmented_mask(found) & SD_BUS_CREDS_EUID) != 0) return std::nullopt;
   uid_t user = 0;
-  if (sd_bus_creds_get_euid(found, &user) < 0) return false;
-  return user == 0 || user == geteuid();
+  if (sd_bus_creds_get_euid(found, &user) < 0) return std::nullopt;
+  return user;
 }
 
-BusWatch Admission::ask(sd_bus_message* call, Answer answer) const {
-  if (trusts(call)) {
-    answer(true);
-    return {};
-  }
+bool Admission::trusts(std::optional<uid_t> user) { return user && (*user == 0 || *user == geteuid()); }
+
+BusWatch Admission::ask(sd_bus_message* call, const Answer& answer) const {
   auto question = bus_.newCall({.service = "org.freedesktop.PolicyKit1",
                                 .path = "/org/freedesktop/PolicyKit1/Authority",
                                 .interface = "org.freedesktop.PolicyKit1.Authority",

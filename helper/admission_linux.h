@@ -6,7 +6,10 @@
 // loop's. The connection outlives the object.
 #pragma once
 
+#include <sys/types.h>
+
 #include <functional>
+#include <optional>
 
 #include "system/bus_connection_linux.h"
 
@@ -16,14 +19,16 @@ class Admission {
  public:
   explicit Admission(const BusConnection& bus) : bus_(bus) {}
 
-  /// Whether the sender's user decides alone, so that ask() would say yes at once.
-  [[nodiscard]] static bool trusts(sd_bus_message* call);
+  /// The user whose connection sent the call; none when the bus does not vouch for one, as for a sender that has gone.
+  [[nodiscard]] static std::optional<uid_t> userOf(sd_bus_message* call);
+  /// Whether that user is admitted without a question.
+  [[nodiscard]] static bool trusts(std::optional<uid_t> user);
 
   using Answer = std::function<void(bool admitted)>;
-  /// Calls `answer` once: before returning where the sender's user decides, later where polkit does, never when the
-  /// returned watch goes first. Without polkit, or when it fails or stays silent, the answer is no. polkit may ask
-  /// the user when the call says that it may.
-  [[nodiscard]] BusWatch ask(sd_bus_message* call, Answer answer) const;
+  /// Asks polkit about the sender of the call and calls `answer` once with what it says: later, but before returning
+  /// when it cannot be asked, and never when the returned watch goes first. Without polkit, or when it fails or stays
+  /// silent, the answer is no. polkit may ask the user when the call says that it may.
+  [[nodiscard]] BusWatch ask(sd_bus_message* call, const Answer& answer) const;
 
  private:
   const BusConnection& bus_;

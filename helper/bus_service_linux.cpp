@@ -2,6 +2,7 @@
 
 #include <systemd/sd-daemon.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string_view>
 #include <utility>
@@ -13,6 +14,7 @@ namespace brindle {
 struct BusService::Client {
   BusService* service = nullptr;
   std::string name;
+  std::optional<uid_t> user;
   BusTrack track;
   BusWatch question;
   bool admitted = false;
@@ -62,12 +64,21 @@ Outcome BusService::publish(std::shared_ptr<Helper> helper) {
   return bus_.requestName(std::string(HelperIdentity::kBusName));
 }
 
-bool BusService::callsPending() const { return unanswered_ > 0 || unadmittedClients() > 0; }
+bool BusService::callsPending() const {
+  return unanswered_ > 0 || std::ranges::any_of(clients_, [](const auto& entry) { return !entry.second->admitted; });
+}
 
-std::size_t BusService::unadmittedClients() const {
-  std::size_t count = 0;
-  for (const auto& [name, client] : clients_) count += client->admitted ? 0 : 1;
-  return count;
+bool BusService::hasRoomFor(std::optional<uid_t> user) const {
+  if (clients_.size() >= kMaxBusClients) return false;
+  // The crowd before polkit's door must not keep out those who need not go through it.
+  if (Admission::trusts(user)) return true;
+  std::size_t waiting = 0, ofUser = 0;
+  for (const auto& [name, client] : clients_) {
+    if (client->admitted) continue;
+    ++waiting;
+    ofUser += client->user == user ? 1 : 0;
+  }
+  return waiting < kMaxUnadmittedClients && ofUser < kMaxUnadmittedOfUser;
 }
 
 void BusService::exitWhenIdle() {
@@ -93,23 +104,7 @@ int BusService::receive(sd_bus_message* call, sd_bus_error* error) {
   const std::string name = sender;
   const auto found = clients_.find(name);
   Client* client = found != clients_.end() ? found->second.get() : nullptr;
-  if (client == nullptr) {
-    // The crowd before polkit's door must not keep out those who need not go through it.
-    const bool crowded = unadmittedClients() >= kMaxUnadmittedClients && !Admission::trusts(call);
-    if (clients_.size() >= kMaxBusClients || crowded) {
-      return sd_bus_error_set_const(error, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many clients");
-    }
-    client = addClient(name);
-    // Gone between its call and our watch: nobody is left to answer, and a hold for it would have no end.
-    if (client == nullptr) return 1;
-    client->waiting.emplace_back(sd_bus_message_ref(call));
-    BusWatch question = admission_.ask(call, [this, name](bool admitted) { admissionAnswered(name, admitted); });
-    // An answer that came at once may have taken the client out again.
-    if (const auto still = clients_.find(name); question && still != clients_.end()) {
-      still->second->question = std::move(question);
-    }
-    return 1;
-  }
+  if (client == nullptr) return receiveFirst(name, call, error);
   if (!client->admitted) {
     if (client->waiting.size() >= kMaxWaitingCalls) {
       return sd_bus_error_set_const(error, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many calls before admission");
@@ -119,6 +114,26 @@ int BusService::receive(sd_bus_message* call, sd_bus_error* error) {
   }
   serve(*client, BusMessage(sd_bus_message_ref(call)));
   forgetUnlessConnected(name);
+  return 1;
+}
+
+int BusService::receiveFirst(const std::string& name, sd_bus_message* call, sd_bus_error* error) {
+  const auto user = Admission::userOf(call);
+  if (!hasRoomFor(user)) return sd_bus_error_set_const(error, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many clients");
+  Client* client = addClient(name);
+  // Gone between its call and our watch: nobody is left to answer, and a hold for it would have no end.
+  if (client == nullptr) return 1;
+  client->user = user;
+  client->waiting.emplace_back(sd_bus_message_ref(call));
+  if (Admission::trusts(user)) {
+    admissionAnswered(name, true);
+    return 1;
+  }
+  BusWatch question = admission_.ask(call, [this, name](bool admitted) { admissionAnswered(name, admitted); });
+  // An answer that came at once has taken the client out again.
+  if (const auto still = clients_.find(name); question && still != clients_.end()) {
+    still->second->question = std::move(question);
+  }
   return 1;
 }
 

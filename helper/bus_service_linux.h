@@ -5,7 +5,8 @@
 // alone, because a question asked once must not end somebody's hold when the asker goes; and it ends when the name
 // vanishes from the bus. Calls of one client are answered in their order, also while its admission is pending.
 //
-// One thread, the loop's. The connection, the loop and the log outlive the service.
+// One thread, the loop's. The connection and the loop outlive the service. The connection takes no descriptors and
+// drops forged signals.
 #pragma once
 
 #include <cstddef>
@@ -27,9 +28,11 @@ namespace brindle {
 /// Clients that are known at once. Watching one takes a match rule, of which a system bus gives each connection 512 by
 /// default; one too many would cost the helper its own connection, and every client the hold.
 inline constexpr std::size_t kMaxBusClients = 384;
-/// Clients that are not admitted yet, so that strangers whom polkit has still to judge leave room for others. Root and
-/// the helper's own user, who are admitted at once, are not held up by it.
+/// Clients that are not admitted yet, so that strangers whom polkit has still to judge leave room for others: of all
+/// users, and of one user, who may let polkit's question lie. Root and the helper's own user, who are admitted at
+/// once, are not held up by it.
 inline constexpr std::size_t kMaxUnadmittedClients = 64;
+inline constexpr std::size_t kMaxUnadmittedOfUser = 16;
 /// Calls of one client that wait for its admission.
 inline constexpr std::size_t kMaxWaitingCalls = 16;
 
@@ -53,7 +56,8 @@ class BusService final : public ProcessExit {
 
  private:
   struct Client;
-  [[nodiscard]] std::size_t unadmittedClients() const;
+  [[nodiscard]] bool hasRoomFor(std::optional<uid_t> user) const;
+  int receiveFirst(const std::string& name, sd_bus_message* call, sd_bus_error* error);
   [[nodiscard]] Client* addClient(const std::string& name);
   void clientVanished(const std::string& name);
   void admissionAnswered(const std::string& name, bool admitted);

@@ -17,8 +17,7 @@ std::shared_ptr<Helper> Helper::create(HelperSeams seams) {
 bool Helper::start() {
   seams_.queue.sync([this] {
     seams_.log.event("helper started, turning sleep back on");
-    const PmsetCommand command = policy_.helperStarted();
-    (void)seams_.sleepSwitch.run(command, RevertReason::helperStart);
+    (void)switchSleep(policy_.helperStarted(), RevertReason::helperStart);
   });
   timer_ = seams_.queue.repeat(LidSleepLimits::tickInterval, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->tick();
@@ -29,9 +28,12 @@ bool Helper::start() {
 void Helper::tick() {
   const Date now = seams_.now();
   if (const auto command = policy_.tick(now)) {
-    (void)seams_.sleepSwitch.run(*command, policy_.lastRevert.value_or(RevertReason::heartbeatLost));
+    (void)switchSleep(*command, policy_.lastRevert.value_or(RevertReason::heartbeatLost));
+  } else if (owedRestore_) {
+    (void)switchSleep(PmsetCommand::restoreSleep, *owedRestore_);
   }
-  const bool idle = !policy_.sleepDisabled && connections_.empty() && now - idleSince_ > kIdleExitDelay;
+  const bool free = !policy_.sleepDisabled && !owedRestore_ && connections_.empty();
+  const bool idle = free && now - idleSince_ > kIdleExitDelay;
   if (idle && !seams_.exit.callsPending()) {
     seams_.log.event("idle, exiting");
     seams_.exit.exitWhenIdle();
@@ -51,7 +53,7 @@ void Helper::connectionEnded(ConnectionId connection) {
 void Helper::end(ConnectionId connection) {
   if (connections_.erase(connection) == 0) return;
   idleSince_ = seams_.now();
-  if (policy_.connectionLost()) restoreSleep(RevertReason::connectionLost);
+  if (const auto command = policy_.connectionLost()) (void)switchSleep(*command, RevertReason::connectionLost);
 }
 
 void Helper::setSleepDisabled(SleepRequest request, std::function<void(SleepReply)> reply) {
@@ -74,9 +76,10 @@ void Helper::status(std::function<void(HelperStatus)> reply) {
 void Helper::terminate() {
   seams_.queue.sync([this] {
     seams_.log.event("SIGTERM, turning sleep back on");
-    restoreSleep(RevertReason::uninstall);
+    (void)switchSleep(PmsetCommand::restoreSleep, RevertReason::uninstall);
+    // Still on the queue: a request that waits behind this must not switch sleep off again before the process is gone.
+    seams_.exit.exitAfterTermination();
   });
-  seams_.exit.exitAfterTermination();
 }
 
 SleepReply Helper::answer(const SleepRequest& request) {
@@ -92,7 +95,7 @@ SleepReply Helper::answer(const SleepRequest& request) {
 SleepReply Helper::carryOut(PmsetCommand command) {
   const bool disables = disablesSleep(command);
   const auto reason = disables ? std::nullopt : std::optional(RevertReason::turnedOff);
-  if (seams_.sleepSwitch.run(command, reason)) {
+  if (switchSleep(command, reason)) {
     return {.ok = true, .message = std::string(disables ? HelperReplyText::kSleepDisabled : HelperReplyText::kSleepOn)};
   }
   // A hold that never came about must not be reported, nor refuse the next request as a second one.
@@ -100,9 +103,14 @@ SleepReply Helper::carryOut(PmsetCommand command) {
   return {.ok = false, .message = HelperReplyText::failed(seams_.sleepSwitch.name())};
 }
 
-void Helper::restoreSleep(RevertReason reason) {
-  // Nobody waits for the outcome: the switch has logged it, and the next start switches sleep back on anyway.
-  (void)seams_.sleepSwitch.run(PmsetCommand::restoreSleep, reason);
+bool Helper::switchSleep(PmsetCommand command, std::optional<RevertReason> reason) {
+  const bool done = seams_.sleepSwitch.run(command, reason);
+  if (!disablesSleep(command)) {
+    owedRestore_ = done ? std::nullopt : reason;
+  } else if (done) {
+    owedRestore_.reset();  // sleep is off because somebody holds it off now
+  }
+  return done;
 }
 
 }  // namespace brindle

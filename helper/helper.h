@@ -21,13 +21,15 @@
 #include "helper/sleep_switch.h"
 #include "logic/helper/helper_reply.h"
 #include "logic/helper/helper_revert_policy.h"
+#include "logic/helper/sleep_request.h"
 
 namespace brindle {
 
 /// The daemon ends itself when it has had no connection, and sleep was not disabled, for strictly longer than this.
 inline constexpr Seconds kIdleExitDelay{120};
 
-/// What the platform gives to Helper. Everything outlives it; `now` reads the wall clock.
+/// What the platform gives to Helper. Everything outlives it; `now` reads the wall clock as OnwardClock tells it, and
+/// is called on the queue, but for the first time before start().
 struct HelperSeams {
   SerialQueue& queue;
   SleepSwitch& sleepSwitch;
@@ -36,20 +38,15 @@ struct HelperSeams {
   std::function<Date()> now;
 };
 
-/// A request to switch sleep off (`disabled`) or on. Any `maxDuration` will do, it is clamped.
-struct SleepRequest {
-  bool disabled = false;
-  Seconds maxDuration{0};
-};
-
 class Helper : public std::enable_shared_from_this<Helper> {
  public:
   /// Nothing happens before start(); only the idle time begins to count.
   [[nodiscard]] static std::shared_ptr<Helper> create(HelperSeams seams);
 
   /// Switches sleep back on, whatever a previous instance left behind, and starts the timer that keeps the limits.
-  /// When it returns, sleep is on, so the service may take clients. A switch that fails is only logged. False when
-  /// there is no timer: such a daemon must not serve, because it could leave sleep off for ever.
+  /// When it returns, sleep is on, so the service may take clients; a switch that fails then is run again by the timer,
+  /// as after every other revert. False when there is no timer: such a daemon must not serve, because it could leave
+  /// sleep off for ever.
   [[nodiscard]] bool start();
 
   /// Counts a connection from now on. Returns when it is counted. Not from the queue.
@@ -74,12 +71,16 @@ class Helper : public std::enable_shared_from_this<Helper> {
   void end(ConnectionId connection);
   [[nodiscard]] SleepReply answer(const SleepRequest& request);
   [[nodiscard]] SleepReply carryOut(PmsetCommand command);
-  void restoreSleep(RevertReason reason);
+  /// Runs the switch, and remembers a restore that it owes. A restore has a reason.
+  bool switchSleep(PmsetCommand command, std::optional<RevertReason> reason);
 
   HelperSeams seams_;
   HelperRevertPolicy policy_;
   std::set<ConnectionId> connections_;
   Date idleSince_;
+  /// Why sleep should be on while the switch has failed to bring it back: the machine may have no process left for the
+  /// tool just now. The timer runs it again, and the daemon stays until it has succeeded.
+  std::optional<RevertReason> owedRestore_;
   std::unique_ptr<QueueTimer> timer_;
 };
 

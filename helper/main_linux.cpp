@@ -11,42 +11,61 @@
 #include "helper/logind_inhibitor_linux.h"
 #include "helper/logind_switch.h"
 #include "helper/loop_queue.h"
+#include "helper/onward_clock.h"
+#include "system/boot_clock.h"
 #include "system/bus_connection_linux.h"
 #include "system/event_loop.h"
 
 namespace brindle {
 namespace {
 
+// A third of the WatchdogSec of the unit, after which the service manager kills a helper that hangs.
+constexpr Seconds kSignOfLifeInterval{20};
+
 int failed(const std::string& message) {
   std::fprintf(stderr, "BrindleHelper: %s\n", message.c_str());
   return 1;
 }
 
+Outcome guard(BusConnection& bus, EventLoop& loop) {
+  if (auto filtered = bus.dropForgedSignals(); !filtered) return filtered;
+  // Without the bus there are no clients and no way to hear of any: end, and the lock goes with the process.
+  sd_bus_set_exit_on_disconnect(bus.get(), true);
+  return bus.attach(loop);
+}
+
 int run() {
   auto loop = EventLoop::create();
   if (!loop) return failed(loop.error().message());
-  auto bus = BusConnection::openSystem();
+  // Two connections, because a lock is a descriptor, and strangers must not be able to send any.
+  auto loginBus = BusConnection::openSystem();
+  if (!loginBus) return failed(loginBus.error().message());
+  auto bus = BusConnection::openWithoutDescriptors(*loginBus);
   if (!bus) return failed(bus.error().message());
-  if (const auto attached = bus->attach(*loop); !attached) return failed(attached.error().message());
-  // Without the bus there are no clients and no way to hear of any: end, and the lock goes with the process.
-  sd_bus_set_exit_on_disconnect(bus->get(), true);
+  if (const auto guarded = guard(*loginBus, *loop); !guarded) return failed(guarded.error().message());
+  if (const auto guarded = guard(*bus, *loop); !guarded) return failed(guarded.error().message());
 
   JournalLog log;
   LoopQueue queue(*loop);
-  LogindInhibitor inhibitor(*bus);
+  LogindInhibitor inhibitor(*loginBus);
   LogindSwitch sleepSwitch(inhibitor, log);
-  LogindWatch watch(*bus, *loop, sleepSwitch);
+  LogindWatch watch(*loginBus, *loop, sleepSwitch);
   BusService service(*bus, *loop);
-  const auto helper =
-      Helper::create({.queue = queue, .sleepSwitch = sleepSwitch, .log = log, .exit = service, .now = [] {
-                        return Date{std::chrono::system_clock::now()};
-                      }});
+  const auto helper = Helper::create({.queue = queue,
+                                      .sleepSwitch = sleepSwitch,
+                                      .log = log,
+                                      .exit = service,
+                                      .now = [clock = OnwardClock()]() mutable {
+                                        return clock.at(Date{std::chrono::system_clock::now()}, bootClockNow());
+                                      }});
   if (!helper->start()) return failed("start timer: the system gives none");
 
   const auto terminated = loop->onSignal(SIGTERM, [&helper](SignalNote) { helper->terminate(); });
   if (!terminated) return failed(terminated.error().message());
   if (const auto watching = watch.start(); !watching) return failed(watching.error().message());
   if (const auto published = service.publish(helper); !published) return failed(published.error().message());
+  const auto signOfLife = loop->every(kSignOfLifeInterval, [] { sd_notify(0, "WATCHDOG=1"); });
+  if (!signOfLife) return failed(signOfLife.error().message());
   sd_notify(0, "READY=1");
   const int code = loop->run();
   return code == 0 ? 0 : failed(code > 0 ? "the system bus is gone" : "the event loop failed");

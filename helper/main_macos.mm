@@ -7,13 +7,16 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 
 #include "helper/dispatch_queue_macos.h"
 #include "helper/helper.h"
 #include "helper/helper_service_macos.h"
+#include "helper/onward_clock.h"
 #include "helper/pmset_runner.h"
 #include "helper/unified_log_macos.h"
 #include "logic/helper/helper_identity.h"
+#include "system/boot_clock.h"
 
 namespace {
 
@@ -27,6 +30,10 @@ class PlainExit final : public brindle::ProcessExit {
 
 brindle::Date wallClock() { return std::chrono::time_point_cast<brindle::Seconds>(std::chrono::system_clock::now()); }
 
+std::function<brindle::Date()> daemonClock() {
+  return [clock = brindle::OnwardClock()]() mutable { return clock.at(wallClock(), brindle::bootClockNow()); };
+}
+
 }  // namespace
 
 int main() {
@@ -37,7 +44,7 @@ int main() {
   auto& sleepSwitch = *new brindle::PmsetRunner(log);
   auto& processExit = *new PlainExit();
   auto& helper = *new std::shared_ptr<brindle::Helper>(brindle::Helper::create(
-      {.queue = queue, .sleepSwitch = sleepSwitch, .log = log, .exit = processExit, .now = wallClock}));
+      {.queue = queue, .sleepSwitch = sleepSwitch, .log = log, .exit = processExit, .now = daemonClock()}));
   if (!helper->start()) {
     log.error("start timer: the system gives none");
     return 1;

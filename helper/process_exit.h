@@ -1,7 +1,7 @@
 // How the daemon ends.
 //
 // Helper decides when; the platform's implementation does it in a way that loses no call. Called on Helper's queue,
-// except exitAfterTermination().
+// where nothing else runs until the call returns.
 #pragma once
 
 namespace brindle {
@@ -17,7 +17,7 @@ class ProcessExit {
   [[nodiscard]] virtual bool callsPending() const = 0;
   /// Ends the process with status 0 because nobody needs it. May return and end it a moment later.
   virtual void exitWhenIdle() = 0;
-  /// Ends the process with status 0 after SIGTERM. May return and end it as soon as the caller is done.
+  /// Ends the process with status 0 after SIGTERM. May return, but then nothing else runs on the queue any more.
   virtual void exitAfterTermination() = 0;
 };
 

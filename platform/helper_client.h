@@ -20,6 +20,7 @@
 #include "base/enum_text.h"
 #include "base/result.h"
 #include "logic/helper/helper_reply.h"
+#include "logic/helper/sleep_request.h"
 #include "system/event_loop.h"
 
 namespace brindle {
@@ -52,14 +53,6 @@ struct HelperProblem {
 template <typename T>
 using HelperAnswer = tl::expected<T, HelperProblem>;
 
-struct SleepRequest {
-  bool disabled = false;
-  /// How long sleep stays off at the longest; the helper clamps it. No meaning when sleep is to come back on.
-  Seconds maxDuration{0};
-
-  bool operator==(const SleepRequest&) const = default;
-};
-
 /// What becomes of the helper while this client is there.
 enum class HelperPresence {
   /// It has ended; whatever it held is over.
@@ -83,7 +76,8 @@ class HelperClient {
   virtual ~HelperClient() = default;
 
   /// Asks to switch sleep off or on, starting the helper where needed. Calls are carried out in their order. The
-  /// user may be asked to agree, so an answer can take minutes.
+  /// user may be asked to agree, so an answer can take minutes. A request to switch sleep off that meets a helper which
+  /// is just ending itself is made once more.
   virtual void setSleepDisabled(const SleepRequest& request, SleepAnswered answered) = 0;
   /// A sign of life. The answer says whether sleep is still off.
   virtual void heartbeat(HeartbeatAnswered answered) = 0;

@@ -4,8 +4,9 @@
 #include <optional>
 
 #include "logic/helper/helper_identity.h"
+#include "platform/ask_again.h"
 #include "platform/bus_problem.h"
-#include "platform/clock.h"
+#include "system/boot_clock.h"
 #include "system/bus_connection_linux.h"
 
 namespace brindle {
@@ -16,8 +17,6 @@ namespace {
 constexpr Seconds kRequestTimeout{120};
 constexpr Seconds kHeartbeatTimeout{10};
 constexpr Seconds kStatusTimeout{5};
-/// An error that comes sooner than this is the answer of a helper that was just ending itself, or of the bus for it.
-constexpr Seconds kAskAgainWithin{5};
 
 constexpr const char* kBusService = "org.freedesktop.DBus";
 constexpr const char* kBusPath = "/org/freedesktop/DBus";
@@ -39,18 +38,8 @@ class BusHelperClient : public HelperClient {
  public:
   explicit BusHelperClient(EventLoop& loop) : loop_(loop) { static_cast<void>(connect()); }
 
-  // A helper ends itself when nobody has needed it for a while. A request of that very moment is one for the next
-  // helper, which the second call starts; unless somebody has asked for something else since.
   void setSleepDisabled(const SleepRequest& request, SleepAnswered answered) override {
-    const auto number = ++lastRequest_;
-    if (!request.disabled) return ask(request, std::move(answered));
-    const auto again = [this, request, answered, number, asked = bootClockNow()](const auto& answer) {
-      const bool gone = !answer && answer.error().kind == HelperProblemKind::unreachable;
-      const bool wanted = number == lastRequest_ && bootClockNow() - asked < kAskAgainWithin;
-      if (gone && wanted) return ask(request, answered);
-      answered(answer);
-    };
-    ask(request, again);
+    again_.ask(request, std::move(answered));
   }
 
   void heartbeat(HeartbeatAnswered answered) override {
@@ -185,12 +174,13 @@ class BusHelperClient : public HelperClient {
   EventLoop& loop_;
   std::function<void(HelperPresence)> changed_;
   std::uint64_t lastCall_ = 0;
-  std::uint64_t lastRequest_ = 0;
   std::shared_ptr<int> alive_ = std::make_shared<int>();
   // A closed connection stays until the next one closes: its last answers may be on their way through it.
   std::unique_ptr<BusConnection> retired_;
   std::unique_ptr<BusConnection> bus_;
   BusSlot presence_;
+  AskAgain again_{[this](const SleepRequest& request, SleepAnswered answered) { ask(request, std::move(answered)); },
+                  bootClockNow};
   std::map<std::uint64_t, BusWatch> calls_;
 };
 

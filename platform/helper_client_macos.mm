@@ -9,11 +9,13 @@
 
 #include "logic/helper/helper_identity.h"
 #include "logic/helper/helper_protocol_macos.h"
+#include "platform/ask_again.h"
 #include "platform/code_signature_macos.h"
 #include "platform/helper_client.h"
 #include "platform/loop_mailbox.h"
 #include "platform/sleep_setting_macos.h"
 #include "platform/xpc_problem.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {
@@ -45,13 +47,7 @@ class XpcHelperClient final : public HelperClient {
   XpcHelperClient& operator=(const XpcHelperClient&) = delete;
 
   void setSleepDisabled(const SleepRequest& request, SleepAnswered answered) override {
-    const auto number = begin<SleepReply>(kRequestTimeout, std::move(answered));
-    const auto deliver = delivery<SleepReply>(number);
-    [proxy(number) setSleepDisabled:request.disabled ? YES : NO
-                        maxDuration:request.maxDuration.count()
-                              reply:^(BOOL ok, NSString* message) {
-                                deliver({.ok = ok != NO, .message = plainText(message)});
-                              }];
+    again_.ask(request, std::move(answered));
   }
 
   void heartbeat(HeartbeatAnswered answered) override {
@@ -75,6 +71,19 @@ class XpcHelperClient final : public HelperClient {
 
  private:
   using CallNumber = std::uint64_t;
+
+  // A request that waits in the service's own port starts the next helper by itself. One that a helper has taken in
+  // before it ended comes back as an interruption; the connection outlives that, and its next message starts a helper.
+  void ask(const SleepRequest& request, SleepAnswered answered) {
+    const auto number = begin<SleepReply>(kRequestTimeout, std::move(answered));
+    const auto deliver = delivery<SleepReply>(number);
+    [proxy(number) setSleepDisabled:request.disabled ? YES : NO
+                        maxDuration:request.maxDuration.count()
+                              reply:^(BOOL ok, NSString* message) {
+                                deliver({.ok = ok != NO, .message = plainText(message)});
+                              }];
+  }
+
   template <typename T>
   using Answered = std::function<void(const HelperAnswer<T>&)>;
 
@@ -183,6 +192,8 @@ class XpcHelperClient final : public HelperClient {
   std::function<void(HelperPresence)> changed_;
   NSXPCConnection* connection_ = nil;
   std::uint64_t generation_ = 0;
+  AskAgain again_{[this](const SleepRequest& request, SleepAnswered answered) { ask(request, std::move(answered)); },
+                  bootClockNow};
   CallNumber lastCall_ = 0;
   std::map<CallNumber, Call> calls_;
 };

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/clock.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 

@@ -3,26 +3,24 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <map>
 #include <set>
-#include <system_error>
 #include <thread>
 #include <utility>
 
 #include "base/file.h"
-#include "base/json_reader.h"
 #include "inventory/agent_recognition.h"
 #include "inventory/cpu_sample.h"
 #include "platform/clock.h"
 #include "platform/directories.h"
 #include "platform/frontmost.h"
 #include "platform/ownership_store.h"
+#include "platform/settings.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {
 
-constexpr std::size_t kSettingsLimit = std::size_t{1} << 20;
 constexpr std::size_t kSampleFileLimit = std::size_t{2} << 20;
 
 std::optional<std::string> manifestText(const std::string& path) {
@@ -73,14 +71,7 @@ std::vector<AgentKind> agentsOutOfSight(const Environment& environment) {
 }  // namespace
 
 ProtectionRules protectionRulesOf(const Environment& environment) {
-  const auto path = settingsFile(environment);
-  if (!path) return {};
-  // Settings are often links into a folder under version control.
-  std::error_code missing;
-  const auto resolved = std::filesystem::canonical(*path, missing);
-  const auto text = missing ? std::nullopt : std::optional(readFile(resolved.string(), kSettingsLimit));
-  const auto settings = text && *text ? parseJson(**text) : std::nullopt;
-  return settings ? protectionRulesFrom(*settings) : ProtectionRules{};
+  return protectionRulesFrom(JsonValue(settingsOf(environment).document));
 }
 
 Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuestion& question) {

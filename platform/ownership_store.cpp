@@ -8,6 +8,7 @@
 
 #include "base/file.h"
 #include "base/file_lock.h"
+#include "base/line_file.h"
 
 namespace brindle {
 namespace {
@@ -61,7 +62,7 @@ Outcome OwnershipStore::add(const std::vector<OwnershipRecord>& records) const {
     lines += line;
   }
   if (!lines.empty()) {
-    if (auto added = appendToFile(path_, lines); !added) return added;
+    if (auto added = appendLines(path_, lines); !added) return added;
   }
   if (isFull) return fail(EFBIG, "add to " + path_);
   return {};

@@ -28,7 +28,7 @@ class OwnershipStore {
   [[nodiscard]] std::vector<OwnershipRecord> records(const std::string& boot) const;
 
   /// Adds those of `records` that the file does not hold yet. EFBIG when the file is full; the first ones that
-  /// fitted into it have been added. Fails as FileLock, ensureFolder and appendToFile do.
+  /// fitted into it have been added. Fails as FileLock, ensureFolder and appendLines do.
   Outcome add(const std::vector<OwnershipRecord>& records) const;
 
   /// Whether the process of this pid and start stamp runs.

@@ -7,6 +7,7 @@
 
 #include "inventory/proc_text.h"
 #include "platform/clock.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 

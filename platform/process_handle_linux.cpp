@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/clock.h"
 #include "platform/process_handle.h"
 #include "platform/process_source.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {

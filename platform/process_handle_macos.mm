@@ -7,9 +7,9 @@
 #include <ctime>
 #include <string>
 
-#include "platform/clock.h"
 #include "platform/process_handle.h"
 #include "platform/process_source.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {

@@ -80,10 +80,17 @@ class BusConnection {
   [[nodiscard]] static Result<BusConnection> openSystem();
   /// The bus of the user's session.
   [[nodiscard]] static Result<BusConnection> openUser();
+  /// A second connection to the bus of `other` that takes no descriptors, for a service that strangers may call: the
+  /// bus refuses them every message that carries some, which would otherwise fill the receiver's table of open files.
+  [[nodiscard]] static Result<BusConnection> openWithoutDescriptors(const BusConnection& other);
 
   [[nodiscard]] sd_bus* get() const { return bus_.get(); }
   /// Lets the loop serve this connection until it is closed.
   Outcome attach(EventLoop& loop);
+  /// From now on drops signals that are addressed to this connection alone and do not come from the bus itself. The bus
+  /// checks the sender of what it spreads, but carries any user's signal to a single receiver, and libsystemd would
+  /// take one that says so for the bus's own.
+  Outcome dropForgedSignals() const;
   /// A method call that the caller fills with arguments.
   [[nodiscard]] Result<BusMessage> newCall(const BusMember& member) const;
   /// Sends `message` and waits for its reply, at most `timeout`. Everything else that arrives meanwhile is kept for

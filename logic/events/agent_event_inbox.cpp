@@ -1,53 +1,23 @@
 #include "logic/events/agent_event_inbox.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-
-#include "base/descriptor.h"
 #include "base/file.h"
 #include "base/json_reader.h"
 #include "base/json_writer.h"
+#include "base/line_file.h"
 #include "base/lines.h"
 #include "base/store_lock.h"
 
 namespace brindle {
-namespace {
-
-// A writer that is killed inside its write leaves a piece of its line (the kernel may cut a write between two pages):
-// the next line must not continue it, or it would be lost with it.
-bool endsInsideALine(const std::string& path, off_t size) {
-  if (size <= 0) return false;
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  char last = '\n';
-  return file && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
-}
-
-// Afresh or at the end. Only the open may fail; a write that comes up short is taken back, so that the next line does
-// not continue a torn one.
-Outcome writeLine(const std::string& path, std::string_view line, bool afresh) {
-  const int mode = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | (afresh ? O_TRUNC : O_APPEND);
-  const Descriptor file(::open(path.c_str(), mode, 0600));
-  if (!file) return fail(kFileWriteNoPermission, "open " + path);
-  const off_t before = ::lseek(file.get(), 0, SEEK_END);
-  const std::string bytes = (endsInsideALine(path, before) ? "\n" : "") + std::string(line);
-  const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
-  const bool whole = written == static_cast<ssize_t>(bytes.size());
-  if (!whole && before >= 0) {
-    if (::ftruncate(file.get(), before) != 0) return {};  // nothing more can be done, and nothing is to be reported
-  }
-  return {};
-}
-
-}  // namespace
 
 Outcome AgentEventInbox::append(const AgentEvent& event) const {
   const std::string line = agentEventLine(event);
   const Result<FileLock> lock = lockStore({directory_, kLockName});
   if (!lock) return tl::make_unexpected(lock.error());
   const bool afresh = fileSize(path()).value_or(0) > kSizeLimit;
-  return writeLine(path(), line, afresh);
+  Result<LineFile> file = LineFile::open(path(), afresh ? LineFile::Start::afresh : LineFile::Start::atEnd);
+  if (!file) return fail(kFileWriteNoPermission, file.error().doing);
+  (void)file->append(line).has_value();  // a full disk is no failure of the agent that the hook works for
+  return {};
 }
 
 bool AgentEventInbox::hasPending() const { return fileSize(path()).value_or(0) > 0; }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <compare>
-#include <tuple>
 #include <utility>
 
 namespace brindle {

@@ -16,6 +16,7 @@ constexpr auto kObjectPathBytes = [] {
   for (const char c : std::string_view("/helper")) path[at++] = c;
   return path;
 }();
+static_assert(kObjectPathBytes.back() == '\0');
 
 }  // namespace
 

@@ -1,7 +1,9 @@
 // What the daemon answers: the values of its replies and the texts in them.
 //
-// Used by the daemon, which makes them, and by clients, which read the Booleans and show the texts; a client never
-// decides by a text.
+// Used by the daemon, which makes them, and by clients, which read the Booleans and show the texts. Two of the texts
+// are for programs too, because no Boolean says as much: a holder gives up at kMaxDurationReached, which stands until
+// somebody switches sleep on, but asks again after a switch that failed; and it tells by kSleepAlreadyDisabled that it
+// shares a hold. So they are part of the protocol and stay as they are.
 #pragma once
 
 #include <cstdint>

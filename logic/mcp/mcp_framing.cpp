@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/number_text.h"
+#include "base/text.h"
 
 namespace brindle::MCPFraming {
 namespace {
@@ -12,17 +13,6 @@ constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 constexpr std::string_view kLengthName = "content-length:";
 constexpr std::string_view kBlanks = " \t";
 
-// ASCII alone: no letter outside ASCII lower-cases to one of the header's name.
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool beginsWithLengthName(std::string_view line) {
-  if (line.size() < kLengthName.size()) return false;
-  for (std::size_t i = 0; i < kLengthName.size(); ++i) {
-    if (lowerAscii(line[i]) != kLengthName[i]) return false;
-  }
-  return true;
-}
-
 std::string_view trimBlanks(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(kBlanks);
   if (begin == std::string_view::npos) return {};
@@ -30,7 +20,7 @@ std::string_view trimBlanks(std::string_view text) {
 }
 
 std::optional<std::uint64_t> lengthIn(std::string_view line) {
-  if (!beginsWithLengthName(line)) return std::nullopt;
+  if (!beginsWithAnyCase(line, kLengthName)) return std::nullopt;
   const std::string_view digits = trimBlanks(line.substr(kLengthName.size()));
   if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos) return std::nullopt;
   const std::optional<std::int64_t> value = integerFromText(digits);

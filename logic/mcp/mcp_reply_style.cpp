@@ -4,6 +4,7 @@
 
 #include "base/json_record.h"
 #include "base/number_text.h"
+#include "base/text.h"
 
 namespace brindle {
 namespace {
@@ -22,16 +23,6 @@ constexpr auto kKnownClients = std::to_array<KnownClient>({
 
 constexpr int kParseError = -32700;
 constexpr int kInvalidRequest = -32600;
-
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool beginsWith(std::string_view text, std::string_view lowerPrefix) {
-  if (text.size() < lowerPrefix.size()) return false;
-  for (std::size_t i = 0; i < lowerPrefix.size(); ++i) {
-    if (lowerAscii(text[i]) != lowerPrefix[i]) return false;
-  }
-  return true;
-}
 
 // "0.137.2" is below minor 138, "1.0" is not.
 bool isBelowMinor(std::string_view version, int minor) {
@@ -61,7 +52,7 @@ bool isComplaint(const JsonObject& message) {
 
 bool needsBareLines(MCPClientInfo client) {
   for (const KnownClient& known : kKnownClients) {
-    if (!beginsWith(client.name, known.namePrefix)) continue;
+    if (!beginsWithAnyCase(client.name, known.namePrefix)) continue;
     return known.fixedInMinor == 0 || isBelowMinor(client.version, known.fixedInMinor);
   }
   return false;

@@ -3,6 +3,7 @@
 #include "base/file.h"
 #include "base/json_reader.h"
 #include "base/json_writer.h"
+#include "base/line_file.h"
 #include "base/lines.h"
 #include "base/store_lock.h"
 
@@ -12,7 +13,7 @@ Outcome MCPRequestLog::append(const MCPLogEntry& entry) const {
   const std::string line = mcpLogLine(entry);
   const Result<FileLock> lock = lockStore({directory_, kLockName});
   if (!lock) return tl::make_unexpected(lock.error());
-  return appendToFile(path(), line);
+  return appendLines(path(), line);
 }
 
 std::vector<MCPLogEntry> MCPRequestLog::recent(Date now) const {

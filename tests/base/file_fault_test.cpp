@@ -9,6 +9,7 @@
 
 #include "base/file.h"
 #include "base/file_lock.h"
+#include "base/line_file.h"
 #include "tests/base/child_process.h"
 #include "tests/base/temporary_folder.h"
 
@@ -43,7 +44,7 @@ bool isRefused(const Outcome& outcome) { return !outcome && outcome.error().code
 TEST_F(FileFault, ReportsRefusedAccessOfEveryWriterWithOneCode) {
   shutFolder();
   const std::string fresh = folder_.file("fresh");
-  EXPECT_TRUE(trueWithoutRights([&] { return isRefused(appendToFile(fresh, "x")); }));
+  EXPECT_TRUE(trueWithoutRights([&] { return isRefused(appendLines(fresh, "x")); }));
   EXPECT_TRUE(trueWithoutRights([&] { return isRefused(replaceFile(path_, "x")); }));
   EXPECT_TRUE(trueWithoutRights([&] { return isRefused(removeFile(path_)); }));
   EXPECT_TRUE(trueWithoutRights([&] { return isRefused(ensureFolder(folder_.file("below"))); }));
@@ -58,7 +59,7 @@ TEST_F(FileFault, ReportsRefusedAccessOfEveryWriterWithOneCode) {
 TEST_F(FileFault, ReportsAFileThatMayNotBeWritten) {
   fs::permissions(folder_.path(), fs::perms::all);
   fs::permissions(path_, fs::perms::owner_read | fs::perms::others_read);
-  EXPECT_TRUE(trueWithoutRights([&] { return isRefused(appendToFile(path_, "x")); }));
+  EXPECT_TRUE(trueWithoutRights([&] { return isRefused(appendLines(path_, "x")); }));
   EXPECT_EQ(readFile(path_, kPlenty), "old\n");
 }
 
@@ -70,25 +71,6 @@ TEST_F(FileFault, ReportsReadingThatIsRefusedAsItIs) {
     return !bytes && bytes.error().code == EACCES;
   }));
   fs::permissions(path_, fs::perms::owner_all);
-}
-
-TEST_F(FileFault, CutsAnAppendBackThatCouldNotBeFinished) {
-  const bool good = ChildProcess([&] {
-                      limitFileSize(10);
-                      const Outcome outcome = appendToFile(path_, "0123456789\n");
-                      return !outcome && outcome.error().code == EFBIG;
-                    }).succeeded();
-  EXPECT_TRUE(good);
-  EXPECT_EQ(readFile(path_, kPlenty), "old\n");
-}
-
-TEST_F(FileFault, AppendsExactlyUpToTheLimitOfTheDisk) {
-  const bool good = ChildProcess([&] {
-                      limitFileSize(10);
-                      return bool(appendToFile(path_, "56789\n"));
-                    }).succeeded();
-  EXPECT_TRUE(good);
-  EXPECT_EQ(readFile(path_, kPlenty), "old\n56789\n");
 }
 
 TEST_F(FileFault, KeepsTheOldFileWhenTheNewOneDoesNotFit) {
@@ -121,36 +103,20 @@ TEST_F(FileFault, KeepsTheFileWholeWhereverAReplacementIsKilled) {
   }
 }
 
-TEST_F(FileFault, KeepsLinesWholeBeforeAnAppendThatIsKilled) {
-  for (int round = 0; round < 20; ++round) {
-    ChildProcess writer([&] {
-      for (;;) {
-        if (!appendToFile(path_, "line\n")) return false;
-      }
-    });
-    for (int reads = 0; reads < round * 5; ++reads) ASSERT_TRUE(fileSize(path_));
-    writer.kill();
-  }
-  const auto bytes = readFile(path_, std::size_t{1} << 30);
-  ASSERT_TRUE(bytes);
-  ASSERT_TRUE(bytes->starts_with("old\n"));
-  EXPECT_EQ((bytes->size() - 4) % 5, 0U);
-}
-
 TEST_F(FileFault, ReportsAPathBelowAFile) {
   const std::string below = path_ + "/below";
   EXPECT_EQ(readFile(below, kPlenty).error().code, ENOTDIR);
-  EXPECT_EQ(appendToFile(below, "x").error().code, ENOTDIR);
+  EXPECT_EQ(appendLines(below, "x").error().code, ENOTDIR);
   EXPECT_EQ(replaceFile(below, "x").error().code, ENOTDIR);
   EXPECT_EQ(FileLock::acquire(below).error().code, ENOTDIR);
 }
 
 TEST_F(FileFault, RefusesToWriteThroughALink) {
   fs::create_symlink(path_, folder_.file("link"));
-  EXPECT_EQ(appendToFile(folder_.file("link"), "x").error().code, ELOOP);
+  EXPECT_EQ(appendLines(folder_.file("link"), "x").error().code, ELOOP);
   EXPECT_EQ(FileLock::acquire(folder_.file("link")).error().code, ELOOP);
   fs::create_symlink(folder_.file("missing"), folder_.file("dangling"));
-  EXPECT_EQ(appendToFile(folder_.file("dangling"), "x").error().code, ELOOP);
+  EXPECT_EQ(appendLines(folder_.file("dangling"), "x").error().code, ELOOP);
   EXPECT_FALSE(fs::exists(folder_.file("missing")));
   EXPECT_EQ(readFile(path_, kPlenty), "old\n");
 }
@@ -158,18 +124,18 @@ TEST_F(FileFault, RefusesToWriteThroughALink) {
 TEST_F(FileFault, RefusesAFolderOrPipeInPlaceOfTheFile) {
   const std::string inner = folder_.file("inner");
   ASSERT_TRUE(ensureFolder(inner));
-  EXPECT_EQ(appendToFile(inner, "x").error().code, EISDIR);
+  EXPECT_EQ(appendLines(inner, "x").error().code, EISDIR);
   EXPECT_EQ(replaceFile(inner, "x").error().code, EISDIR);
   EXPECT_EQ(FileLock::acquire(inner).error().code, EISDIR);
   const std::string pipe = folder_.file("pipe");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  EXPECT_EQ(appendToFile(pipe, "x").error().code, ENXIO);  // nobody reads it
+  EXPECT_EQ(appendLines(pipe, "x").error().code, EINVAL);  // and does not wait for a reader
   EXPECT_EQ(FileLock::acquire(pipe).error().code, EINVAL);
   EXPECT_EQ(folder_.entries(), 3U);
 }
 
 TEST_F(FileFault, ReportsANameThatIsTooLong) {
-  EXPECT_EQ(appendToFile(folder_.file(std::string(300, 'x')), "x").error().code, ENAMETOOLONG);
+  EXPECT_EQ(appendLines(folder_.file(std::string(300, 'x')), "x").error().code, ENAMETOOLONG);
   EXPECT_EQ(replaceFile(folder_.file(std::string(300, 'x')), "x").error().code, ENAMETOOLONG);
 }
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "base/file.h"
+#include "base/line_file.h"
 #include "tests/base/child_process.h"
 #include "tests/base/temporary_folder.h"
 
@@ -45,10 +46,10 @@ TEST(FullDisk, CutsAnAppendBack) {
   const TemporaryFolder folder;
   const std::string path = folder.file("store.jsonl");
   const auto good = onTinyDisk(folder.path(), [&] {
-    if (!appendToFile(path, "line\n")) return false;
-    const Outcome outcome = appendToFile(path, std::string(100000, 'x'));
+    if (!appendLines(path, "line\n")) return false;
+    const Outcome outcome = appendLines(path, std::string(100000, 'x'));
     return !outcome && outcome.error().code == ENOSPC && readFile(path, kPlenty) == "line\n" &&
-           bool(appendToFile(path, "next\n"));
+           bool(appendLines(path, "next\n"));
   });
   if (!good) GTEST_SKIP() << "this needs the right to mount";
   EXPECT_TRUE(*good);
@@ -63,7 +64,7 @@ TEST(ReadOnlyDisk, RefusesEveryWriterWithTheCodeOfRefusedAccess) {
     const auto refused = [](const Outcome& outcome) {
       return !outcome && outcome.error().code == kFileWriteNoPermission;
     };
-    return refused(appendToFile(path, "x")) && refused(replaceFile(path, "x")) && refused(removeFile(path)) &&
+    return refused(appendLines(path, "x")) && refused(replaceFile(path, "x")) && refused(removeFile(path)) &&
            refused(ensureFolder(folder.file("below"))) && readFile(path, kPlenty) == "old";
   });
   if (!good) GTEST_SKIP() << "this needs the right to mount";

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "base/file.h"
+#include "base/line_file.h"
 #include "tests/base/child_process.h"
 #include "tests/base/temporary_folder.h"
 
@@ -91,16 +92,15 @@ TEST_F(FileLockTest, LetsOneProcessInAtATime) {
           const auto lock = FileLock::acquire(path_);
           const auto text = readFile(counter, 100);
           // Without the lock two processes read the same number and one step is lost.
-          if (!lock || !text || !removeFile(counter) || !appendToFile(counter, std::to_string(std::stoi(*text) + 1))) {
-            return false;
-          }
+          if (!lock || !text || !removeFile(counter)) return false;
+          if (!appendLines(counter, std::to_string(std::stoi(*text) + 1) + "\n")) return false;
         }
         return true;
       }));
     }
     for (const auto& process : processes) EXPECT_TRUE(process->succeeded());
   }
-  EXPECT_EQ(readFile(counter, 100), std::to_string(kProcesses * kRounds));
+  EXPECT_EQ(readFile(counter, 100), std::to_string(kProcesses * kRounds) + "\n");
 }
 
 TEST_F(FileLockTest, IsReleasedWhenItsHolderIsKilled) {

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <memory>
 
 #include "tests/base/child_process.h"
 #include "tests/base/temporary_folder.h"
@@ -30,7 +29,6 @@ class FileTest : public testing::Test {
 };
 
 using ReadFile = FileTest;
-using AppendToFile = FileTest;
 using ReplaceFile = FileTest;
 using EnsureFolder = FileTest;
 using RemoveFile = FileTest;
@@ -71,44 +69,6 @@ TEST_F(ReadFile, RefusesALinkADirectoryAndAPipe) {
   const std::string pipe = folder_.file("pipe");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   EXPECT_EQ(readFile(pipe, kPlenty).error().code, EINVAL);  // and does not wait for a writer
-}
-
-TEST_F(AppendToFile, CreatesTheFileForItsOwnerAlone) {
-  ASSERT_TRUE(appendToFile(path_, "one\n"));
-  ASSERT_TRUE(appendToFile(path_, "two\n"));
-  EXPECT_EQ(readFile(path_, kPlenty), "one\ntwo\n");
-  EXPECT_EQ(modeOf(path_), 0600U);
-}
-
-TEST_F(AppendToFile, LeavesTheModeOfAnOlderFile) {
-  ASSERT_TRUE(appendToFile(path_, "one\n"));
-  fs::permissions(path_, fs::perms::owner_all);
-  ASSERT_TRUE(appendToFile(path_, "two\n"));
-  EXPECT_EQ(modeOf(path_), 0700U);
-}
-
-TEST_F(AppendToFile, KeepsLinesOfManyWritersWhole) {
-  constexpr int kWriters = 4;
-  constexpr int kLines = 200;
-  {
-    std::vector<std::unique_ptr<ChildProcess>> writers;
-    for (int writer = 0; writer < kWriters; ++writer) {
-      writers.push_back(std::make_unique<ChildProcess>([&, writer] {
-        const std::string line = std::string(300, static_cast<char>('a' + writer)) + "\n";
-        for (int round = 0; round < kLines; ++round) {
-          if (!appendToFile(path_, line)) return false;
-        }
-        return true;
-      }));
-    }
-    for (const auto& writer : writers) EXPECT_TRUE(writer->succeeded());
-  }
-  const auto bytes = readFile(path_, kPlenty);
-  ASSERT_TRUE(bytes);
-  ASSERT_EQ(bytes->size(), 301U * kWriters * kLines);
-  for (std::size_t start = 0; start < bytes->size(); start += 301) {
-    ASSERT_EQ(bytes->substr(start, 301), std::string(300, (*bytes)[start]) + "\n");
-  }
 }
 
 TEST_F(ReplaceFile, CreatesTheFileForItsOwnerAlone) {

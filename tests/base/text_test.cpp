@@ -115,6 +115,16 @@ TEST(LowerCase, MapsBeyondAsciiAndKeepsBytesThatAreNoText) {
   EXPECT_EQ(lowerCase("\xF0\x90\x90\x80"), "\xF0\x90\x90\xA8");
 }
 
+TEST(BeginsWithAnyCase, TakesAsciiLettersAloneAsLowerCase) {
+  EXPECT_TRUE(beginsWithAnyCase("AmZ-[1", "amz-["));
+  EXPECT_TRUE(beginsWithAnyCase("az", "az"));
+  EXPECT_TRUE(beginsWithAnyCase("anything", ""));
+  EXPECT_FALSE(beginsWithAnyCase("a", "az"));
+  EXPECT_FALSE(beginsWithAnyCase("bz", "az"));
+  EXPECT_FALSE(beginsWithAnyCase("{", "["));
+  EXPECT_FALSE(beginsWithAnyCase("\xE2\x84\xAA", "k"));  // the Kelvin sign, which is "k" in full lower case
+}
+
 TEST(IsValidUtf8, RefusesEveryKindOfBadForm) {
   EXPECT_TRUE(isValidUtf8(""));
   EXPECT_TRUE(isValidUtf8("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));

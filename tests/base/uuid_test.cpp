@@ -13,6 +13,22 @@ TEST(UuidText, IsUpperCaseHexadecimalInFiveGroups) {
   EXPECT_EQ(uuidText(bytes), "00112233-4455-6677-8899-AABBCCDDEEFF");
 }
 
+TEST(IsUuidText, HoldsForWhatIsWrittenAndNothingNearIt) {
+  const std::string text = "00112233-4455-6677-8899-AABBCCDDEEFF";
+  EXPECT_TRUE(isUuidText(text));
+  EXPECT_TRUE(isUuidText(randomUuidText()));
+  EXPECT_FALSE(isUuidText(""));
+  EXPECT_FALSE(isUuidText(text + "0"));
+  EXPECT_FALSE(isUuidText(text.substr(1)));
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    for (const char wrong : {text[index] == '-' ? '0' : '-', 'G', 'a', '/', ':', '@', '\0'}) {
+      std::string changed = text;
+      changed[index] = wrong;
+      EXPECT_FALSE(isUuidText(changed)) << changed;
+    }
+  }
+}
+
 TEST(RandomUuidText, IsOfVersion4AndItsVariant) {
   for (int round = 0; round < 200; ++round) {
     const std::string text = randomUuidText();

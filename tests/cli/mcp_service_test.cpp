@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include "base/json_reader.h"
-#include "cli/settings.h"
 #include "logic/mcp/mcp_heartbeat.h"
 #include "logic/mcp/mcp_quit_inbox.h"
 #include "logic/mcp/mcp_request_log.h"
@@ -186,32 +185,6 @@ TEST_F(MCPServiceTest, OneProblemIsRemarkedOnceInARow) {
   call(R"({"name":"status"})");
   ASSERT_EQ(remarks.size(), 1u);
   EXPECT_TRUE(remarks[0].starts_with("cannot record the call: ")) << remarks[0];
-}
-
-TEST(SettingsFile, IsEmptyWhereThereIsNone) {
-  const TemporaryFolder folder;
-  const Settings settings = readSettings(folder.file("settings.json"));
-  EXPECT_EQ(settings.document, JsonObject());
-  EXPECT_EQ(settings.problem, "");
-}
-
-TEST(SettingsFile, IsReadThroughALink) {
-  const TemporaryFolder folder;
-  writeRaw(folder.file("real"), "{\"a\":1}");
-  std::filesystem::create_symlink(folder.file("real"), folder.file("settings.json"));
-  EXPECT_EQ(readSettings(folder.file("settings.json")).document, (JsonObject{{"a", 1}}));
-}
-
-TEST(SettingsFile, ThatIsNoObjectOrTooLargeIsAProblemAndEmpty) {
-  const TemporaryFolder folder;
-  const std::string path = folder.file("settings.json");
-  for (const std::string& document : {std::string("[]"), std::string("{"), std::string(),
-                                      "{\"a\":\"" + std::string(kSettingsByteLimit, 'x') + "\"}"}) {
-    writeRaw(path, document);
-    const Settings settings = readSettings(path);
-    EXPECT_EQ(settings.document, JsonObject());
-    EXPECT_TRUE(settings.problem.starts_with("cannot read the settings, taking the defaults: ")) << settings.problem;
-  }
 }
 
 }  // namespace

@@ -93,6 +93,21 @@ TEST_F(ReportCommands, JsonIsExactlyTheDocumentAndALineEnd) {
   EXPECT_THAT(remarks(), IsEmpty());
 }
 
+TEST_F(ReportCommands, SettingsThatCannotBeReadAreNamedInOneLineAndReplacedByTheDefaults) {
+  record({listener(510, 60, 3000)});
+  recorded.variables["BRINDLE_DATA_DIR"] = folder.path();
+  std::ofstream(folder.file("settings.json")) << "{ broken";
+  for (const Command* command : {&kStatusCommand, &kPortsCommand}) {
+    EXPECT_EQ(run(*command), 0) << command->name;
+    EXPECT_EQ(remarks(), "brindle: cannot read the settings, taking the defaults: " + folder.file("settings.json") +
+                             ": expected a JSON object\n");
+    EXPECT_THAT(results(), HasSubstr("3000"));
+  }
+  std::ofstream(folder.file("settings.json")) << "{}";
+  EXPECT_EQ(run(kStatusCommand), 0);
+  EXPECT_THAT(remarks(), IsEmpty());
+}
+
 TEST_F(ReportCommands, NothingFoundIsANegativeAnswerWithItsDocument) {
   record({process(500, 60, "make")});
   for (const Command* command : {&kPortsCommand, &kAgentsCommand, &kIdleCommand, &kGhostsCommand}) {

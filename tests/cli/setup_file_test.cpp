@@ -132,6 +132,38 @@ TEST_F(SetupFileTest, KeepsTheOwnerWhenRootEdits) {
   struct stat status {};
   ASSERT_EQ(::stat(path.c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kPlainUser);
+  ASSERT_EQ(::stat(backupPath(path).c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kPlainUser);
+  EXPECT_EQ(modeOf(backupPath(path)), 0600);
+}
+
+TEST_F(SetupFileTest, GivesWhatRootMakesToTheOwnerOfTheFolder) {
+  if (::geteuid() != 0) GTEST_SKIP() << "this needs a second user";
+  giveToPlainUser(folder.path());
+  edit.path = folder.file("new/deep/settings");
+  ASSERT_EQ(apply(), "");
+  for (const std::string& made : {folder.file("new"), folder.file("new/deep"), edit.path}) {
+    struct stat status {};
+    ASSERT_EQ(::stat(made.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, kPlainUser) << made;
+  }
+  EXPECT_EQ(modeOf(edit.path), 0600);
+  EXPECT_EQ(modeOf(folder.file("new")), 0700);
+  // So the user can take it away again.
+  EXPECT_TRUE(asPlainUser([&] { return undo().empty(); }));
+  EXPECT_FALSE(fs::exists(edit.path));
+}
+
+TEST_F(SetupFileTest, KeepsTheGroup) {
+  if (::geteuid() != 0) GTEST_SKIP() << "this needs a second group";
+  writeRaw(path, "theirs\n");
+  ASSERT_EQ(::chown(path.c_str(), 0, kPlainUser), 0);
+  ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+  ASSERT_EQ(apply(), "");
+  struct stat status {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_gid, kPlainUser);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
 }
 
 TEST_F(SetupFileTest, LeavesAFileAloneThatCannotBeReadOrEdited) {

@@ -20,7 +20,9 @@ class HandCrankedQueue final : public SerialQueue {
  public:
   void sync(const std::function<void()>& work) override {
     runAll();  // what was handed in before runs before
+    inside_ = true;
     work();
+    inside_ = false;
   }
   void async(std::function<void()> work) override { waiting_.push_back(std::move(work)); }
   std::unique_ptr<QueueTimer> repeat(Seconds interval, std::function<void()> work) override {
@@ -44,6 +46,8 @@ class HandCrankedQueue final : public SerialQueue {
   [[nodiscard]] std::size_t waiting() const { return waiting_.size(); }
   [[nodiscard]] bool timerRuns() const { return timer_ && *timer_; }
   [[nodiscard]] Seconds interval() const { return interval_; }
+  /// Whether a piece of synchronous work runs right now, so that nothing else can.
+  [[nodiscard]] bool isInside() const { return inside_; }
 
   bool givesTimers = true;
 
@@ -56,6 +60,7 @@ class HandCrankedQueue final : public SerialQueue {
   std::deque<std::function<void()>> waiting_;
   std::shared_ptr<std::function<void()>> timer_;
   Seconds interval_{0};
+  bool inside_ = false;
 };
 
 struct SwitchRun {
@@ -92,11 +97,15 @@ class RecordingExit final : public ProcessExit {
  public:
   bool callsPending() const override { return pending; }
   void exitWhenIdle() override { ++idleExits; }
-  void exitAfterTermination() override { ++terminations; }
+  void exitAfterTermination() override {
+    ++terminations;
+    if (duringTermination) duringTermination();
+  }
 
   bool pending = false;
   int idleExits = 0;
   int terminations = 0;
+  std::function<void()> duringTermination;
 };
 
 /// A whole daemon. It is Helper's caller: methods run the queue before they answer.

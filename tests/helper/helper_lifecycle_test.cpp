@@ -182,6 +182,19 @@ TEST(HelperIdleExit, FollowsARevertInTheSameTick) {
   EXPECT_EQ(daemon.exit.idleExits, 1);
 }
 
+TEST(HelperIdleExit, WaitsUntilSleepIsReallyBackOn) {
+  TestDaemon daemon;
+  daemon.sleepSwitch.fails = true;
+  ASSERT_TRUE(daemon.helper->start());
+  daemon.tickAfter(1000);
+  EXPECT_EQ(daemon.exit.idleExits, 0) << "nobody would be left to switch sleep on";
+  daemon.sleepSwitch.fails = false;
+  daemon.tickAfter(5);
+  EXPECT_THAT(daemon.sleepSwitch.runs, ::testing::Each(restoreRun(RevertReason::helperStart)));
+  EXPECT_EQ(daemon.sleepSwitch.runs.size(), 3U);
+  EXPECT_EQ(daemon.exit.idleExits, 1);
+}
+
 TEST(HelperIdleExit, WaitsForCallsThatAreStillBeingAdmitted) {
   TestDaemon daemon;
   daemon.started();
@@ -207,6 +220,15 @@ TEST(HelperTermination, SwitchesSleepBackOnOnceAndEnds) {
   EXPECT_EQ(exitsAtRun, 0) << "the process ends only after the switch";
   EXPECT_EQ(daemon.exit.terminations, 1);
   EXPECT_EQ(daemon.exit.idleExits, 0);
+}
+
+TEST(HelperTermination, LeavesNoMomentInWhichAWaitingRequestCouldSwitchSleepOffAgain) {
+  TestDaemon daemon;
+  daemon.started();
+  bool insideAtExit = false;
+  daemon.exit.duringTermination = [&] { insideAtExit = daemon.queue.isInside(); };
+  daemon.helper->terminate();
+  EXPECT_TRUE(insideAtExit) << "the queue went on between the switch and the end of the process";
 }
 
 TEST(HelperTermination, RunsTheSwitchAlsoWhileSleepIsOn) {

@@ -32,7 +32,7 @@ class Model {
     mode_ = Mode::on;
     clients_.clear();
     freeSince_ = now;
-    return {"restoreSleep helperStart"};
+    return restore("helperStart");
   }
   Lines disable(std::int64_t milliseconds) {
     switch (mode_) {
@@ -46,13 +46,16 @@ class Model {
     }
     if (switchFails) return {"disableSleep request", "no scripted failed"};
     mode_ = Mode::held;
+    owed_.clear();
     beat_ = now;
     end_ = now + std::min<std::int64_t>(std::max<std::int64_t>(milliseconds, 60'000), 43'200'000);
     return {"disableSleep request", "yes Sleep disabled"};
   }
   Lines enable() {
     mode_ = Mode::on;
-    return {"restoreSleep turnedOff", switchFails ? "no scripted failed" : "yes Sleep on"};
+    Lines lines = restore("turnedOff");
+    lines.emplace_back(switchFails ? "no scripted failed" : "yes Sleep on");
+    return lines;
   }
   Lines beat() {
     if (mode_ == Mode::held) beat_ = now;
@@ -68,18 +71,21 @@ class Model {
     freeSince_ = now;
     if (mode_ != Mode::held) return {};
     mode_ = Mode::on;
-    return {"restoreSleep connectionLost"};
+    return restore("connectionLost");
   }
   Lines tick() {
     Lines lines;
     if (mode_ == Mode::held && now >= end_) {
       mode_ = Mode::refusing;
-      lines.emplace_back("restoreSleep maxDuration");
+      lines = restore("maxDuration");
     } else if (mode_ == Mode::held && now - beat_ > 90'000) {
       mode_ = Mode::on;
-      lines.emplace_back("restoreSleep heartbeatLost");
+      lines = restore("heartbeatLost");
+    } else if (!owed_.empty()) {
+      lines = restore(owed_);
     }
-    if (mode_ != Mode::held && clients_.empty() && now - freeSince_ > 120'000) lines.emplace_back("exit");
+    if (mode_ != Mode::held && owed_.empty() && clients_.empty() && now - freeSince_ > 120'000)
+      lines.emplace_back("exit");
     return lines;
   }
 
@@ -88,11 +94,17 @@ class Model {
 
  private:
   enum class Mode { on, held, refusing };
+  Lines restore(std::string reason) {
+    owed_ = switchFails ? reason : "";
+    return {"restoreSleep " + std::move(reason)};
+  }
   Mode mode_ = Mode::on;
   std::int64_t end_ = 0;
   std::int64_t beat_ = 0;
   std::int64_t freeSince_ = 0;
   std::set<std::uint64_t> clients_;
+  /// The reason of a restore that has failed and is run again at each tick.
+  std::string owed_;
 };
 
 /// The daemon, with everything it does as the same lines.

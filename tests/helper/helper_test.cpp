@@ -47,7 +47,16 @@ TEST(HelperRequests, RunOnTheQueueNotInTheCall) {
   EXPECT_EQ(replies, 3);
 }
 
-TEST(HelperRequests, AreAnsweredInOrderOfArrivalWithTheTimeOfTheirTurn) {
+TEST(HelperRequests, GoByTheTimeOfTheirTurn) {
+  TestDaemon daemon;
+  daemon.started();
+  daemon.helper->setSleepDisabled({.disabled = true, .maxDuration = Seconds{100}}, [](const SleepReply&) {});
+  daemon.pass(30);  // the queue was busy
+  daemon.queue.runAll();
+  EXPECT_THAT(daemon.status(), ElementsAre(offFor(100)));
+}
+
+TEST(HelperRequests, AreAnsweredInOrderOfArrival) {
   TestDaemon daemon;
   daemon.started();
   std::vector<std::string> order;
@@ -213,6 +222,36 @@ TEST(HelperTick, PrefersTheDeadlineWhenBothArePast) {
   daemon.set(true, 60);
   daemon.tickAfter(500);
   EXPECT_THAT(daemon.sleepSwitch.runs, ElementsAre(kDisableRun, restoreRun(RevertReason::maxDuration)));
+}
+
+TEST(HelperTick, RunsARestoreThatFailedAgainUntilItSucceeds) {
+  TestDaemon daemon;
+  daemon.started();
+  daemon.accept(1);
+  daemon.set(true, 3600);
+  daemon.sleepSwitch.fails = true;
+  daemon.end(1);
+  daemon.sleepSwitch.runs.clear();
+  daemon.tickAfter(5);
+  EXPECT_THAT(daemon.sleepSwitch.runs, ElementsAre(restoreRun(RevertReason::connectionLost)));
+  daemon.sleepSwitch.fails = false;
+  daemon.tickAfter(5);
+  EXPECT_EQ(daemon.sleepSwitch.runs.size(), 2U);
+  daemon.tickAfter(5);
+  EXPECT_EQ(daemon.sleepSwitch.runs.size(), 2U) << "once it has succeeded there is nothing left to do";
+}
+
+TEST(HelperTick, LeavesANewHoldAloneAfterARestoreThatFailed) {
+  TestDaemon daemon;
+  daemon.started();
+  daemon.set(true, 3600);
+  daemon.sleepSwitch.fails = true;
+  ASSERT_THAT(daemon.set(false, 0), ElementsAre(no("scripted failed")));
+  daemon.sleepSwitch.fails = false;
+  ASSERT_THAT(daemon.set(true, 3600), ElementsAre(yes("Sleep disabled")));
+  daemon.sleepSwitch.runs.clear();
+  daemon.tickAfter(5);
+  EXPECT_THAT(daemon.sleepSwitch.runs, IsEmpty());
 }
 
 TEST(HelperTick, LetsTheNewStateStandWhenTheSwitchFails) {

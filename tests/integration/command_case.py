@@ -19,11 +19,14 @@ class CommandCase(unittest.TestCase):
 
     activation = False
     starts_helper = True
+    watches_locks = False
 
     def setUp(self):
         self.system = System(activation=self.activation)
         self.addCleanup(self.system.close)
         self.system.start_logind()
+        if self.watches_locks:
+            self.system.watch_locks()
         if self.starts_helper:
             self.helper = self.system.start_helper()
         self.program = str(build_dir() / "bin" / "brindle")
@@ -64,6 +67,10 @@ class CommandCase(unittest.TestCase):
     def assert_not_held(self):
         """The login manager sees a closed lock only when its own loop comes around."""
         self.system.wait_lock(False, seconds=1.0)
+
+    def assert_never_held(self):
+        """No lock was asked for since the start; only where the class watches them. A lock that came and went fails."""
+        self.assertEqual(self.system.lock_requests(), [])
 
     def restart_helper(self):
         """Kills the helper and starts another one."""

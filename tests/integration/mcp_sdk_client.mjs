@@ -2,6 +2,7 @@
 // that a client does worked.
 //
 // Usage: node mcp_sdk_client.mjs SDK_FOLDER COMMAND [ARGUMENT …]
+// CLIENT_NAME is what it says it is; REPLIES, "framed" or "bare", is how it must be answered.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { join } from "node:path";
@@ -41,13 +42,27 @@ for (const name of ["status", "ports", "agents"]) {
   assert.equal(JSON.parse(text).command, name);
 }
 assert.equal(JSON.parse((await call("safety", { pid: 600 })).text).verdict, "askFirst");
-assert.equal(JSON.parse((await call("request_quit", { pid: 700 })).text).accepted, false);
-assert.equal((await call("safety")).isError, true);
+const [refused, filed] = [await call("request_quit", { pid: 700 }), await call("request_quit", { pid: 600 })];
+assert.equal(refused.isError, false);
+assert.equal(JSON.parse(refused.text).accepted, false);
+assert.equal(JSON.parse(filed.text).accepted, true);
+assert.match(JSON.parse(filed.text).requestId, /^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$/);
+
+// Bad arguments are errors of the tool, and the next call works.
+const nothingSaid = { text: "Say which pid, port or sessionPid.", isError: true };
+for (const values of [{}, { pid: "600" }, { pid: true }, { port: null }, { sessionPid: 2 ** 31 }, { process: 600 }]) {
+  assert.deepEqual(await call("safety", values), nothingSaid, JSON.stringify(values));
+  assert.deepEqual(await call("request_quit", values), nothingSaid, JSON.stringify(values));
+}
+assert.deepEqual(await call("kill", { pid: 600 }), { text: "Unknown tool.", isError: true });
 // Many requests at once: replies must come back under their own ids.
 const verdicts = await Promise.all(Array.from({ length: 50 }, (_, i) => call("safety", { pid: i % 2 ? 600 : 99999 })));
 verdicts.forEach(({ text }, i) => assert.equal(JSON.parse(text).verdict, i % 2 ? "askFirst" : "leaveAlone"));
-await assert.rejects(client.listResources(), /./);
+await assert.rejects(client.listResources(), (error) => error.code === -32601 && /Method not found/.test(error.message));
 await client.close();
+// A header before a reply is a piece that this client cannot read and passes over.
+if (process.env.REPLIES === "bare") assert.deepEqual(failures, []);
+if (process.env.REPLIES === "framed") assert.notEqual(failures.length, 0);
 
 const notes = failures.length ? `; ${failures.length} pieces skipped by the client` : "";
 console.log(`sdk ${version}: ok, connected in ${connected.toFixed(1)} ms${notes}`);

@@ -143,6 +143,8 @@ class System:
         self.mounts = []
         self.helper = None
         self.logind = None
+        self._lock_watch = None
+        self._markers = 0
         self._connection = None
         self._start_bus(activation)
 
@@ -270,6 +272,23 @@ class System:
     def helper_locks(self):
         return [lock for lock in self.list_inhibitors() if lock.who == LOCK_WHO]
 
+    def watch_locks(self):
+        """From now on lock_requests() tells."""
+        self._lock_watch = self.start([sys.executable, "-B", pathlib.Path(__file__).with_name("lock_watch.py"),
+                                       self.address])
+        self._lock_watch.wait_line("^ready$")
+
+    def lock_requests(self):
+        """Every lock that anybody has asked for since watch_locks(), held or not: what it locks, who, why and how."""
+        import dbus.lowlevel
+        self._markers += 1
+        marker = dbus.lowlevel.SignalMessage("/", "app.brindle.LockWatch", "Marker")
+        marker.append(self._markers, signature="u")
+        self.connection().send_message(marker)
+        self.connection().flush()
+        self._lock_watch.wait_line(f"^marker {self._markers}$")  # it has seen everything before the marker
+        return [line for line in self._lock_watch.lines if line.startswith("lock ")]
+
     def wait_lock(self, held, seconds=WAIT_SECONDS):
         """Waits until the helper's lock is held, or is not; answers how long that took, in seconds."""
         start = time.monotonic()
@@ -320,7 +339,8 @@ class ClientProcess(Process):
     def ask(self, request, seconds=WAIT_SECONDS):
         """"off SECONDS", "on", "heartbeat", "status" or "exit"; the reply as a line of text. "burst COUNT" sends that
         many heartbeats without waiting, and then one whose reply it waits for; "crowd COUNT" sends each of the former
-        over a connection of its own."""
+        over a connection of its own. "forge RECEIVER NAME" tells the receiver alone, as if it were the bus, that the name
+        has gone, and then sends a heartbeat."""
         already = len(self.lines)
         self.popen.stdin.write(request + "\n")
         self.popen.stdin.flush()
@@ -347,6 +367,13 @@ def run_client(address, name, path, interface):
                 crowd[-1].send_message(message)
                 crowd[-1].get_unix_user(name)  # answered only after the bus has passed the heartbeat on
             word = "heartbeat"
+        if word == "forge":
+            receiver, gone = rest
+            message = dbus.lowlevel.SignalMessage("/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged")
+            message.set_destination(receiver)
+            message.append(gone, gone, "", signature="sss")
+            connection.send_message(message)
+            word, rest = "heartbeat", []
         member, signature, *arguments = calls[word]
         try:
             reply = connection.call_blocking(name, path, interface, member, signature,

@@ -1,17 +1,31 @@
 """Who may use the helper. All of it needs root, who alone can be other people."""
 
+import pathlib
+import pwd
+import resource
 import signal
+import sys
 import unittest
 
 import private_system
 from daemon_case import DaemonCase
 from private_system import NOBODY
 
+FLOOD = pathlib.Path(__file__).with_name("descriptor_flood.py")
 REFUSAL = "error org.freedesktop.DBus.Error.AccessDenied not authorised for {}.disable-sleep"
+
+
+def other_users(count):
+    """That many users who are not root; the bus knows nobody whom the system does not know."""
+    users = sorted({entry.pw_uid for entry in pwd.getpwall()} - {0})[:count]
+    assert len(users) == count, users
+    return users
 
 
 @unittest.skipUnless(private_system.is_root(), "SKIPPED: only root can start a client as somebody else")
 class Strangers(DaemonCase):
+    watches_locks = True
+
     def setUp(self):
         super().setUp()
         self.refusal = REFUSAL.format(self.system.helper_name)
@@ -29,7 +43,7 @@ class Strangers(DaemonCase):
         for request in ("off 3600", "on", "heartbeat", "status"):
             with self.subTest(request=request):
                 self.assertEqual(stranger.ask(request), self.refusal)
-        self.assert_not_held()
+        self.assert_never_held()
 
     def test_end_nobodys_hold_by_asking_and_leaving(self):
         client = self.client()
@@ -40,6 +54,16 @@ class Strangers(DaemonCase):
         stranger.wait()
         self.assertTrue(client.heartbeat())
         self.assert_held()
+
+    def test_end_nobodys_hold_by_saying_that_its_client_is_gone(self):
+        client = self.client()
+        self.hold(client)
+        stranger = self.client_process(NOBODY)
+        helper = self.system.owner(self.system.helper_name)
+        self.assertEqual(stranger.ask(f"forge {helper} {client.unique_name}"), self.refusal, "it came after the signal")
+        self.assertTrue(client.heartbeat())
+        self.assert_held()
+        self.assertEqual(self.log_count("connectionLost"), 0)
 
     def test_are_admitted_when_polkit_authorises_them(self):
         self.start_polkit('if (subject.user == "nobody") return polkit.Result.YES;')
@@ -56,13 +80,13 @@ class Strangers(DaemonCase):
         self.start_polkit("return polkit.Result.NO;")
         stranger = self.client_process(NOBODY)
         self.assertEqual(stranger.ask("off 3600"), self.refusal)
-        self.assert_not_held()
+        self.assert_never_held()
 
     def test_are_refused_by_the_shipped_defaults_outside_a_session(self):
         self.start_polkit("return polkit.Result.NOT_HANDLED;")
         stranger = self.client_process(NOBODY)
         self.assertEqual(stranger.ask("off 3600"), self.refusal)
-        self.assert_not_held()
+        self.assert_never_held()
 
     def test_are_asked_about_again_after_a_refusal(self):
         stranger = self.client_process(NOBODY)
@@ -99,7 +123,7 @@ class Strangers(DaemonCase):
         polkit.signal(signal.SIGCONT)
         other = self.client_process(NOBODY)
         self.assertEqual(other.ask("status"), "0 0.0 1", "polkit has answered everything before this")
-        self.assert_not_held()
+        self.assert_never_held()
         self.assertEqual(self.log_count("reason request"), 0)
 
     def test_may_have_sixteen_calls_waiting_and_no_more(self):
@@ -114,18 +138,50 @@ class Strangers(DaemonCase):
         polkit.signal(signal.SIGCONT)
         modest.wait_line("^0$")
 
+    def test_cannot_fill_the_daemons_table_of_open_files(self):
+        self.start_polkit("return polkit.Result.YES;")
+        self.system.processes[-1].signal(signal.SIGSTOP)
+        client = self.client()
+        self.hold(client)
+        limit, _ = resource.prlimit(self.helper.pid, resource.RLIMIT_NOFILE)
+        resource.prlimit(self.helper.pid, resource.RLIMIT_NOFILE, (128, 128))
+        self.assertGreater(limit, 128, "a limit as low as this one is no test")
+        flood = self.system.start([sys.executable, "-B", FLOOD, self.system.address, self.system.helper_name,
+                                   self.system.object_path, self.system.interface], user=NOBODY)
+        self.assertEqual(flood.wait(), 0, flood.lines)
+        self.assertEqual(flood.lines, ["sent 16 calls with 16 descriptors each"])
+        self.assertTrue(client.heartbeat())
+        self.assert_held()
+
     def test_leave_room_for_others_while_many_of_them_wait(self):
         limit = "error org.freedesktop.DBus.Error.LimitsExceeded too many clients"
         self.start_polkit("return polkit.Result.YES;")
         polkit = self.system.processes[-1]
         polkit.signal(signal.SIGSTOP)
-        crowd = self.client_process(NOBODY)
-        self.assertEqual(crowd.ask("crowd 64"), limit)
+        *users, last = other_users(5)
+        crowds = [self.client_process(user) for user in users]
+        for crowd in crowds:
+            self.assertEqual(crowd.ask("crowd 16"), limit, "sixteen of one user")
+        late = self.client_process(last)
+        self.assertEqual(late.ask("heartbeat"), limit, "sixty-four of all users")
         trusted = self.client()
         self.hold(trusted)
         trusted.set_sleep_disabled(False)
         polkit.signal(signal.SIGCONT)
-        self.wait_until(lambda: crowd.ask("heartbeat") == "0", "there is room again")
+        for client in (*crowds, late):
+            self.wait_until(lambda: client.ask("heartbeat") == "0", "there is room again")
+
+    def test_keep_out_no_other_user_however_many_clients_they_have(self):
+        self.start_polkit("return polkit.Result.YES;")
+        polkit = self.system.processes[-1]
+        polkit.signal(signal.SIGSTOP)
+        crowd, other = map(self.client_process, other_users(2))
+        self.assertRegex(crowd.ask("crowd 64"), "too many clients$")
+        other.popen.stdin.write("off 3600\n")
+        other.popen.stdin.flush()
+        self.wait_until(lambda: self.client().status(), "the helper answers behind it")
+        polkit.signal(signal.SIGCONT)
+        other.wait_line("^1 Sleep disabled$")
 
 
 if __name__ == "__main__":

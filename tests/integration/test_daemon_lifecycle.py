@@ -3,11 +3,10 @@
 import os
 import shutil
 import signal
-import socket
 import unittest
 
 import private_system
-from daemon_case import INHIBIT, DaemonCase
+from daemon_case import INHIBIT, DaemonCase, Listener
 
 
 class Start(DaemonCase):
@@ -175,21 +174,6 @@ class FailingLoginManager(DaemonCase):
         self.assert_not_held()
         self.system.stand_in("RefuseLocks", "b", False)
         self.system.wait_lock(True)
-
-
-class Listener:
-    """A datagram socket on which the daemon is expected to speak."""
-
-    def __init__(self, case, path):
-        self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
-        case.addCleanup(self.socket.close)
-        os.makedirs(os.path.dirname(path), exist_ok=True)
-        self.socket.bind(path)
-        case.addCleanup(os.unlink, path)
-        self.socket.settimeout(private_system.WAIT_SECONDS)
-
-    def receive(self):
-        return self.socket.recv(65536).decode()
 
 
 class ServiceManager(DaemonCase):

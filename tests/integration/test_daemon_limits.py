@@ -7,7 +7,7 @@ import time
 import dbus
 
 import private_system
-from daemon_case import DaemonCase
+from daemon_case import DaemonCase, Listener
 
 TICK = 5.0
 SLACK = 1.5
@@ -78,6 +78,23 @@ class IdleExit(DaemonCase):
             answers.append(client.set_sleep_disabled(True))
         self.assertEqual(answers[-1], (True, "Sleep disabled"))
         self.assertNotEqual(self.assert_held().pid, self.helper.pid, "a new instance holds it")
+
+
+class Watchdog(DaemonCase):
+    starts_helper = False
+
+    def test_the_service_manager_hears_three_times_a_minute_that_the_loop_turns(self):
+        path = str(self.system.folder / "notify")
+        listener = Listener(self, path)
+        self.helper = self.system.start_helper(env={"NOTIFY_SOCKET": path})
+        self.assertEqual(listener.receive(), "READY=1")
+        for _ in range(2):
+            start = time.monotonic()
+            self.assertEqual(listener.receive(20 + SLACK), "WATCHDOG=1")
+            self.assertGreater(time.monotonic() - start, 20 - SLACK)
+        self.helper.signal(signal.SIGSTOP)
+        with self.assertRaises(TimeoutError):
+            listener.receive(20 + SLACK)
 
 
 if __name__ == "__main__":

@@ -45,6 +45,9 @@ class Unit(unittest.TestCase):
     def test_starts_again_only_after_a_failure(self):
         self.assertIn("\nRestart=on-failure\n", self.unit.read_text(encoding="ascii"))
 
+    def test_is_ended_after_a_minute_without_a_sign_of_life(self):
+        self.assertIn("\nWatchdogSec=60\n", self.unit.read_text(encoding="ascii"))
+
 
 class Names(unittest.TestCase):
     def setUp(self):

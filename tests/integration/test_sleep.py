@@ -154,6 +154,8 @@ class SleepOnAndStatus(CommandCase):
 
 
 class Strangers(CommandCase):
+    watches_locks = True
+
     def test_another_user_is_refused_in_one_line(self):
         if not self.system.real:
             self.skipTest("only root can be another user")
@@ -162,7 +164,7 @@ class Strangers(CommandCase):
             self.assertEqual(process.wait(), 2)
             self.assertEqual(len(process.lines), 1, process.lines)
             self.assertRegex(process.lines[0], "^brindle: the helper refuses: ")
-        self.assert_not_held()
+        self.assert_never_held()
 
 
 class StartedByTheBus(CommandCase):

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/clock.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 namespace {

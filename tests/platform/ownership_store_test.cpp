@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "tests/platform/temporary_folder.h"
 
@@ -51,6 +53,39 @@ TEST(OwnershipStore, DamagedLinesArePassedOver) {
   const OwnershipStore store(folder.path());
   folder.write("ownership.jsonl", "garbage\n" + ownershipLine(record(501)) + "{\"boot\":\"b\"");
   EXPECT_EQ(store.records("b"), Records{record(501)});
+}
+
+TEST(OwnershipStore, ARecordAfterThePieceOfAKilledWriterIsNotLostWithIt) {
+  const std::string piece = ownershipLine(record(502));
+  for (std::size_t length = 1; length + 1 < piece.size(); ++length) {
+    const TemporaryFolder folder;
+    const OwnershipStore store(folder.path());
+    folder.write("ownership.jsonl", ownershipLine(record(501)) + piece.substr(0, length));
+    ASSERT_TRUE(store.add({record(503)}));
+    ASSERT_EQ(store.records("b"), (Records{record(501), record(503)})) << length;
+  }
+}
+
+TEST(OwnershipStore, AWholeLastLineWithoutItsLineFeedStaysARecord) {
+  const TemporaryFolder folder;
+  const OwnershipStore store(folder.path());
+  std::string line = ownershipLine(record(501));
+  line.pop_back();
+  folder.write("ownership.jsonl", line);
+  ASSERT_TRUE(store.add({record(502)}));
+  EXPECT_EQ(store.records("b"), (Records{record(501), record(502)}));
+}
+
+TEST(OwnershipStore, NeitherRecordsNorLockFollowASymbolicLink) {
+  for (const std::string name : {"ownership.jsonl", "ownership.lock"}) {
+    const TemporaryFolder folder;
+    const OwnershipStore store(folder.path());
+    folder.write("victim", "kept");
+    std::filesystem::create_symlink(folder.path() + "/victim", folder.path() + "/" + name);
+    EXPECT_FALSE(store.add({record(501)})) << name;
+    std::ifstream victim(folder.path() + "/victim");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(victim), {}), "kept") << name;
+  }
 }
 
 TEST(OwnershipStore, CleaningKeepsTheLivingOfThisBoot) {

@@ -1,17 +1,12 @@
-// A private bus for every test; both ends of each call are connections of this process on one loop.
+// Both ends of each call are connections of this process.
 #include "system/bus_connection_linux.h"
 
 #include <gmock/gmock.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <optional>
 
-#include "system/child_process.h"
+#include "tests/system/private_bus.h"
 
 namespace brindle {
 namespace {
@@ -33,60 +28,7 @@ int echo(sd_bus_message* call, void* data, sd_bus_error* error) {
 const sd_bus_vtable kMethods[] = {SD_BUS_VTABLE_START(0),
                                   SD_BUS_METHOD("Echo", "i", "i", echo, SD_BUS_VTABLE_UNPRIVILEGED), SD_BUS_VTABLE_END};
 
-struct BusConnectionTest : ::testing::Test {
-  BusConnectionTest() {
-    std::string pattern = ::testing::TempDir() + "bus-XXXXXX";
-    folder = mkdtemp(pattern.data());
-    std::ofstream(folder / "bus.conf") << "<busconfig><type>session</type><listen>unix:path="
-                                       << (folder / "bus").string()
-                                       << "</listen><policy context='default'><allow send_destination='*'/>"
-                                          "<allow receive_sender='*'/><allow own='*'/></policy></busconfig>";
-    // It ends with this program, also when that crashes.
-    auto start = ChildProcess::start({.program = "setpriv",
-                                      .arguments = {"--pdeathsig", "KILL", "dbus-daemon", "--nofork", "--nopidfile",
-                                                    "--nosyslog", "--config-file=" + (folder / "bus.conf").string(),
-                                                    "--print-address=" + std::to_string(report.writing())},
-                                      .searchesPath = true,
-                                      .nullStreams = true});
-    EXPECT_TRUE(start);
-    if (start) daemon = *start;
-    EXPECT_TRUE(report.arrived());
-    setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + (folder / "bus").string()).c_str(), 1);
-  }
-  ~BusConnectionTest() override {
-    if (daemon) {
-      kill(daemon->pid(), SIGKILL);
-      EXPECT_TRUE(daemon->wait());
-    }
-    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    std::filesystem::remove_all(folder);
-  }
-
-  /// A pipe into which the bus writes its address as soon as it listens.
-  class Report {
-   public:
-    Report() { EXPECT_EQ(pipe(ends_), 0); }
-    ~Report() {
-      close(ends_[0]);
-      close(ends_[1]);
-    }
-    Report(const Report&) = delete;
-    Report& operator=(const Report&) = delete;
-    [[nodiscard]] int writing() const { return ends_[1]; }
-    [[nodiscard]] bool arrived() const {
-      char byte = 0;
-      return read(ends_[0], &byte, 1) == 1;
-    }
-
-   private:
-    int ends_[2] = {-1, -1};
-  };
-
-  BusConnection connect() {
-    auto bus = BusConnection::openSystem().value();
-    EXPECT_TRUE(bus.attach(loop));
-    return bus;
-  }
+struct BusConnectionTest : PrivateBus {
   /// The loop's own connection with the echo on it.
   BusConnection serve() {
     auto bus = connect();
@@ -102,10 +44,6 @@ struct BusConnectionTest : ::testing::Test {
     return call;
   }
 
-  std::filesystem::path folder;
-  Report report;
-  std::optional<ChildProcess> daemon;
-  EventLoop loop = EventLoop::create().value();
   int answered = 0;
   std::vector<std::string> heard;
 };

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <cerrno>
+
+#include "base/descriptor.h"
 
 namespace brindle {
 namespace {
@@ -56,6 +59,13 @@ TEST(ChildProcessEnvironment, IsTheCallersOwnUnlessGiven) {
 TEST(ChildProcessStreams, AreTheNullDeviceOnlyWhenTold) {
   const std::string script = "test /proc/self/fd/0 -ef /dev/null && test /proc/self/fd/1 -ef /dev/null";
   EXPECT_TRUE(endOf({.nullStreams = true}, script).succeeded());
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const Descriptor reading(ends[0]), writing(ends[1]);
+  const Descriptor before(dup(STDIN_FILENO));
+  ASSERT_EQ(dup2(reading.get(), STDIN_FILENO), STDIN_FILENO);
+  EXPECT_TRUE(endOf({}, "test -p /proc/self/fd/0").succeeded()) << "otherwise the caller's own";
+  ASSERT_EQ(dup2(before.get(), STDIN_FILENO), STDIN_FILENO);
 }
 
 TEST(ChildProcessSignals, KeepTheGivenMask) {

@@ -131,6 +131,20 @@ TEST_F(AgentEventInboxStore, AnEventAfterThePieceOfAKilledWriterIsNotLostWithIt)
   EXPECT_EQ(inbox.drain(kNow), (std::vector{event("a"), event("c"), event("d")}));
 }
 
+TEST_F(AgentEventInboxStore, AWholeLastLineWithoutItsLineFeedStaysAnEvent) {
+  std::string line = agentEventLine(event("a"));
+  line.pop_back();
+  writeRaw(eventsFile(), line);
+  ASSERT_TRUE(inbox.append(event("b")));
+  EXPECT_EQ(inbox.drain(kNow), (std::vector{event("a"), event("b")}));
+}
+
+TEST_F(AgentEventInboxStore, AnEmptySpoolGetsNoEmptyLine) {
+  writeRaw(eventsFile(), "");
+  ASSERT_TRUE(inbox.append(event("a")));
+  EXPECT_EQ(contentOf(eventsFile()), agentEventLine(event("a")));
+}
+
 TEST_F(AgentEventInboxStore, AFileAtTheLimitIsAppendedTo) {
   for (const std::size_t size : {262'143u, 262'144u}) {
     writeRaw(eventsFile(), std::string(size - 1, 'x') + "\n");

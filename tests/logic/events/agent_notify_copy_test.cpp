@@ -15,12 +15,10 @@ constexpr Seconds kFiveMinutes{300};
 
 TEST(AgentNotifyCopy, WritesDurationsInWholeMinutes) {
   const std::vector<std::pair<double, std::string>> cases{
-      {0, "under a minute"}, {29, "under a minute"},  {29.999, "under a minute"},
-      {30, "1 min"},         {89.999, "1 min"},       {90, "2 min"},
-      {720, "12 min"},       {3569, "59 min"},        {3570, "1 h"},
-      {3599, "1 h"},         {3600, "1 h"},           {3629, "1 h"},
-      {3630, "1 h 1 min"},   {3900, "1 h 5 min"},     {7200, "2 h"},
-      {90000, "25 h"},       {-100, "under a minute"}};
+      {0, "under a minute"}, {29, "under a minute"}, {29.999, "under a minute"}, {30, "1 min"},       {89.999, "1 min"},
+      {90, "2 min"},         {720, "12 min"},        {3569, "59 min"},           {3570, "1 h"},       {3599, "1 h"},
+      {3600, "1 h"},         {3629, "1 h"},          {3630, "1 h 1 min"},        {3900, "1 h 5 min"}, {7200, "2 h"},
+      {90000, "25 h"},       {216000, "60 h"},       {-100, "under a minute"}};
   for (const auto& [seconds, expected] : cases) EXPECT_EQ(duration(Seconds{seconds}), expected) << seconds;
 }
 

@@ -91,7 +91,7 @@ TEST(MCPFraming, InvalidUtf8InTheHeaderDoesNotHideTheLength) {
 
 TEST(MCPFraming, HeaderBlocksWithoutUsableLengthAreRemovedAndReadingStartsAgain) {
   for (const std::string value :
-       {"", " ", "x", "-1", "+2", "2.0", "0x2", "2 2", "9223372036854775808", "99999999999999999999999999"}) {
+       {"", " ", "x", "-1", "+2", "2.0", "0x2", "2 2", "2\r", "9223372036854775808", "99999999999999999999999999"}) {
     std::string buffer = "Content-Length: " + value + "\r\n\r\n{\"after\":1}\n";
     EXPECT_EQ(nextMessage(buffer), "{\"after\":1}") << value;
     EXPECT_EQ(buffer, "");
@@ -105,8 +105,10 @@ TEST(MCPFraming, RemovedHeaderBlocksAreGoneEvenWhenNoMessageFollows) {
 }
 
 TEST(MCPFraming, LengthMustBeginItsLine) {
-  std::string buffer = "X-Content-Length: 2\r\n\r\n{}\n";
-  EXPECT_EQ(nextMessage(buffer), "{}");  // the block was no header of a frame; the rest is a line
+  for (const std::string name : {"X-Content-Length", "Xontent-Length"}) {
+    std::string buffer = name + ": 1\r\n\r\n{}\n";
+    EXPECT_EQ(nextMessage(buffer), "{}") << name;  // the block was no header of a frame; the rest is a line
+  }
 }
 
 TEST(MCPFraming, LargestLengthIsAwaitedWithoutOverflow) {

@@ -74,6 +74,17 @@ TEST(MCPMessageReader, ReportsAnOversizedLineBeforeItsEndAndHoldsNoneOfIt) {
   EXPECT_EQ(reader.next(), line("{}"));
 }
 
+TEST(MCPMessageReader, HoldsNothingOfARefusalBehindAMessageOfTheSameRead) {
+  for (const std::string& refused :
+       {objectOf(kMCPMessageLimit + 1), "Content-Length: " + std::to_string(kMCPMessageLimit + 1) + "\r\n\r\n"}) {
+    MCPMessageReader reader;
+    reader.feed("{}\n" + refused);
+    EXPECT_EQ(reader.next(), line("{}"));
+    EXPECT_NE(reader.next(), std::nullopt);
+    EXPECT_EQ(reader.held(), 0u);
+  }
+}
+
 TEST(MCPMessageReader, TakesABodyAtTheLimit) {
   const std::string body = objectOf(kMCPMessageLimit);
   EXPECT_EQ(readWhole(MCPFraming::frame(body)), std::vector<MCPInput>{framed(body)});

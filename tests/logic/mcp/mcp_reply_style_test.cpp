@@ -53,6 +53,14 @@ TEST(MCPReplyStyle, AutomaticStaysWithTheHeaderForOtherClients) {
   EXPECT_EQ(style.wrap("{}", MCPFrameStyle::line), kFramedLine);
 }
 
+TEST(MCPReplyStyle, AutomaticStaysWithTheHeaderForAVersionThatBearsIt) {
+  MCPReplyStyle style(MCPFramingChoice::automatic);
+  style.observe(initializeFrom("codex-mcp-client", "0.138.0"));
+  EXPECT_EQ(style.wrap("{}", MCPFrameStyle::line), kFramedLine);
+  style.observe(initializeFrom("codex-mcp-client", "0.137.0"));
+  EXPECT_EQ(style.wrap("{}", MCPFrameStyle::line), kBare);
+}
+
 TEST(MCPReplyStyle, HeaderStaysWhateverTheClientSays) {
   MCPReplyStyle style(MCPFramingChoice::header);
   style.observe(initializeFrom("cursor", "3.0"));
@@ -103,13 +111,14 @@ TEST(MCPKnownClients, NamesMatchByTheirBeginningInAnyCase) {
        {"cursor", "cursor-vscode", "Cursor", "antigravity-client", "Antigravity", "windsurf", "WINDSURF 2"}) {
     EXPECT_TRUE(needsBareLines({name, "9.9"})) << name;
   }
-  for (const std::string_view name : {"", "curso", "my-cursor", "claude-code", "gemini-cli-mcp-client", "codex"}) {
+  for (const std::string_view name :
+       {"", "curso", "my-cursor", "xursor", "claude-code", "gemini-cli-mcp-client", "codex"}) {
     EXPECT_FALSE(needsBareLines({name, "0.1"})) << name;
   }
 }
 
 TEST(MCPKnownClients, CodexNeedsBareLinesBelowItsMinor138) {
-  for (const std::string_view version : {"0.1", "0.121.0", "0.137.9", "0.137", "", "x", "0.x", "138"}) {
+  for (const std::string_view version : {"0.1", "0.121.0", "0.137.9", "0.137", "", "x", "x.200", "0.x", "138"}) {
     EXPECT_TRUE(needsBareLines({"codex-mcp-client", version})) << version;
   }
   for (const std::string_view version : {"0.138", "0.138.0", "0.138.0-alpha.1", "0.139.1", "1.0", "2.1.0"}) {

@@ -77,6 +77,29 @@ TEST_F(MCPRequestLogStore, ATornLastLineIsLeftOut) {
   }
 }
 
+TEST_F(MCPRequestLogStore, AnEntryAfterThePieceOfAKilledWriterIsNotLostWithIt) {
+  const std::string piece = mcpLogLine(entry("b"));
+  for (std::size_t length = 1; length + 1 < piece.size(); ++length) {
+    writeRaw(file(), mcpLogLine(entry("a")) + piece.substr(0, length));
+    ASSERT_TRUE(log.append(entry("c")));
+    ASSERT_EQ(log.recent(kNow), (std::vector{entry("a"), entry("c")})) << length;
+  }
+}
+
+TEST_F(MCPRequestLogStore, AWholeLastLineWithoutItsLineFeedStaysAnEntry) {
+  std::string line = mcpLogLine(entry("a"));
+  line.pop_back();
+  writeRaw(file(), line);
+  ASSERT_TRUE(log.append(entry("b")));
+  EXPECT_EQ(log.recent(kNow), (std::vector{entry("a"), entry("b")}));
+}
+
+TEST_F(MCPRequestLogStore, AnEmptyLogGetsNoEmptyLine) {
+  writeRaw(file(), "");
+  ASSERT_TRUE(log.append(entry("a")));
+  EXPECT_EQ(contentOf(file()), mcpLogLine(entry("a")));
+}
+
 TEST_F(MCPRequestLogStore, AnEntryOneSecondYoungerThanThirtyDaysIsKept) {
   ASSERT_TRUE(log.append(entry("a", kThirtyDays - 1)));
   ASSERT_TRUE(log.trim(kNow));

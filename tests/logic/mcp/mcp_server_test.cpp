@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/json_writer.h"
+#include "logic/mcp/mcp_tools.h"
 #include "tests/logic/mcp/mcp_server_fixture.h"
 
 namespace brindle {
@@ -118,6 +120,11 @@ TEST_F(MCPServerHandle, WhileOffTheProtocolStillAnswers) {
   EXPECT_EQ(reply(R"({"id":1,"method":"initialize"})"), initialize);
   EXPECT_EQ(reply(R"({"id":1,"method":"tools/list"})"), list);
   EXPECT_EQ(reply(R"({"id":1,"method":"ping"})"), R"({"id":1,"jsonrpc":"2.0","result":{}})");
+}
+
+TEST_F(MCPServerHandle, ListsTheDescriptorsOfTheTools) {
+  const std::string tools = writeJson(MCPTools::descriptors(), {.sortedKeys = true, .escapeSlashes = false});
+  EXPECT_EQ(reply(R"({"id":1,"method":"tools/list"})"), R"({"id":1,"jsonrpc":"2.0","result":{"tools":)" + tools + "}}");
 }
 
 TEST_F(MCPServerHandle, InitializeIsNotDemandedFirst) { EXPECT_EQ(call(R"({"name":"status"})").text, "STATUS"); }

@@ -40,6 +40,7 @@ TEST_F(MCPToolsCall, FailingAgentsIsAToolErrorAndLogged) {
   agentsAnswer = fail(5, "read processes");
   const ToolAnswer answer = call(R"({"name":"agents"})");
   EXPECT_TRUE(answer.isError);
+  EXPECT_EQ(answer.text, "Brindle could not list the agents: " + agentsAnswer.error().message() + ".");
   EXPECT_TRUE(answer.text.starts_with("Brindle could not list the agents: read processes: ")) << answer;
   EXPECT_EQ(logged, std::vector{entry("agents", "agents", "error")});
 }

@@ -24,6 +24,11 @@ TEST(StatusSummary, SaysThatOneAloneHolds) {
             "1 dev server holds 999 B and port 80.");
 }
 
+TEST(StatusSummary, SaysThatSeveralHoldWhateverTheirKinds) {
+  EXPECT_EQ(statusSummary({.ghosts = 2, .agentSessions = 1, .memoryBytes = 1}),
+            "2 ghosts and 1 agent session hold 1 B.");
+}
+
 TEST(StatusSummary, IsAllClearWithoutAny) { EXPECT_EQ(statusSummary({.memoryBytes = 5, .ports = {1}}), "All clear."); }
 
 }  // namespace

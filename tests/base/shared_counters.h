@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <thread>
 
 namespace brindle {
@@ -51,17 +52,31 @@ inline bool endedWell(pid_t child) {
   return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-inline void killAndReap(pid_t child) {
+/// Kills the child and waits for its end; whether it was still running.
+inline bool killAndReap(pid_t child) {
+  int status = -1;
   ::kill(child, SIGKILL);
-  ::waitpid(child, nullptr, 0);
+  return ::waitpid(child, &status, 0) == child && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
 }
 
 inline void pause(std::chrono::microseconds span) { std::this_thread::sleep_for(span); }
 
+/// Where files live in memory, so that many thousand replacements, each of which waits for its disk, measure the store
+/// and not the disk; where the system has no such folder, the usual one.
+inline std::filesystem::path memoryFolder() {
+  const std::filesystem::path memory = "/dev/shm";
+  return ::access(memory.c_str(), W_OK | X_OK) == 0 ? memory : std::filesystem::temp_directory_path();
+}
+
 /// How long each test with random kills goes on; BRINDLE_STRESS_SECONDS for the long version.
-inline std::chrono::duration<double> stressSpan() {
+inline std::chrono::seconds stressSpan() {
   const char* text = std::getenv("BRINDLE_STRESS_SECONDS");
-  return std::chrono::duration<double>(text == nullptr ? 3.0 : std::atof(text));
+  return std::chrono::seconds(text == nullptr ? 3 : std::atoi(text));
+}
+
+/// The long version does all of `count`, the short one a fortieth.
+inline std::size_t stressCount(std::size_t count) {
+  return std::getenv("BRINDLE_STRESS_SECONDS") == nullptr ? count / 40 : count;
 }
 
 }  // namespace brindle

@@ -1,4 +1,4 @@
-#include "platform/clock.h"
+#include "system/boot_clock.h"
 
 #include <ctime>
 

@@ -1,6 +1,6 @@
 #include <ctime>
 
-#include "platform/clock.h"
+#include "system/boot_clock.h"
 
 namespace brindle {
 

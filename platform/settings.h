@@ -1,10 +1,13 @@
 // The person's settings as a document; absent keys have their defaults with whoever reads them.
+//
+// Used by everything that heeds a setting, so that all of them follow a link, refuse a damaged file and name it alike.
 #pragma once
 
 #include <cstddef>
 #include <string>
 
 #include "base/json_value.h"
+#include "platform/environment.h"
 
 namespace brindle {
 
@@ -20,5 +23,8 @@ struct Settings {
 
 /// Reads the file, through a link where it is one: people keep their settings elsewhere.
 [[nodiscard]] Settings readSettings(const std::string& path);
+
+/// Reads the file that belongs to the environment; as without a file when it tells of none.
+[[nodiscard]] Settings settingsOf(const Environment& environment);
 
 }  // namespace brindle

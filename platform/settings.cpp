@@ -1,10 +1,11 @@
-#include "cli/settings.h"
+#include "platform/settings.h"
 
 #include <cerrno>
 #include <filesystem>
 
 #include "base/file.h"
 #include "base/json_reader.h"
+#include "platform/directories.h"
 
 namespace brindle {
 namespace {
@@ -26,6 +27,11 @@ Settings readSettings(const std::string& path) {
   JsonObject* object = document ? document->object() : nullptr;
   if (object == nullptr) return unread(path, "expected a JSON object");
   return {.document = std::move(*object)};
+}
+
+Settings settingsOf(const Environment& environment) {
+  const auto path = settingsFile(environment);
+  return path ? readSettings(*path) : Settings{};
 }
 
 }  // namespace brindle
