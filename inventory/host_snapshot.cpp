@@ -40,7 +40,8 @@ ReportSnapshot HostSnapshot::report() const {
 HostSnapshot snapshotOf(std::span<const ProcessFacts> processes, std::span<const OwnershipRecord> records,
                         ProjectFinder& projects, const SnapshotContext& context) {
   HostSnapshot snapshot = begun(context);
-  const std::vector<ProcessOrigin> origins = findOrigins({processes, records, context.currentUser, context.rules});
+  const std::vector<ProcessOrigin> origins =
+      findOrigins({processes, records, context.currentUser, context.rules, context.outOfSight});
   snapshot.processes = trackedProcesses(processes, origins, context.currentUser, projects);
   for (const ProcessFacts& facts : processes) {
     if (facts.hasTerminal) snapshot.withTerminal.insert(facts.pid);

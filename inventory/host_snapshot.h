@@ -56,6 +56,8 @@ struct SnapshotContext {
   const SystemProcessRules& rules;
   const ProtectionRules& protections;
   std::optional<std::int32_t> frontmost = std::nullopt;
+  /// See OriginQuestion.
+  std::span<const AgentKind> outOfSight = {};
 };
 
 /// The snapshot of a living machine. `records` are those of the running boot.

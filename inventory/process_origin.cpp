@@ -110,8 +110,11 @@ class Judge {
   std::optional<Verdict> verdictOf(Index index) const {
     const ProcessFacts& facts = processes_[index];
     const std::vector<AgentKind> kinds = agentsNamedByVariables(facts);
-    if (auto verdict = byOwnerPid(facts, kinds)) return verdict;
+    const bool isUnsure = std::ranges::find_first_of(kinds, question_.outOfSight) != kinds.end();
+    auto owner = byOwnerPid(facts, kinds);
+    if (owner && (owner->tie == OriginTie::owned || !isUnsure)) return owner;
     if (auto verdict = byRecord(facts)) return verdict;
+    if (isUnsure) return std::nullopt;
     if (auto verdict = byEnvironment(facts, kinds)) return verdict;
     return bySession(facts, kinds);
   }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/enum_text.h"
+#include "inventory/agent_table.h"
 #include "inventory/ownership_record.h"
 #include "inventory/process_facts.h"
 #include "logic/sessions/system_process_rules.h"
@@ -72,6 +73,8 @@ struct OriginQuestion {
   std::span<const OwnershipRecord> records;
   std::uint32_t currentUser = 0;
   const SystemProcessRules& rules;
+  /// Agents that may well run where they cannot be seen. That none of them is seen then says nothing.
+  std::span<const AgentKind> outOfSight = {};
 };
 
 /// One entry for each process of the current user that is tied to an agent without hanging below it, in the order of

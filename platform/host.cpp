@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/file.h"
+#include "inventory/agent_recognition.h"
 #include "inventory/cpu_sample.h"
 #include "platform/clock.h"
 #include "platform/directories.h"
@@ -54,6 +55,19 @@ Outcome sampleTwice(const ListingQuestion& question, Seconds wait, const std::st
   return {};
 }
 
+/// The agents that have started this process from outside of what it sees, as from outside of a sandbox with pids of
+/// its own. They run, and everything in the sandbox has their variables and none of their processes above it.
+std::vector<AgentKind> agentsOutOfSight(const Environment& environment) {
+  if (showsWholeMachine()) return {};
+  ProcessFacts self;
+  for (const std::string_view name : namedVariables()) {
+    if (auto value = environment(std::string(name))) self.variables.push_back({std::string(name), std::move(*value)});
+  }
+  std::vector<AgentKind> kinds = agentsNamedByVariables(self);
+  if (!kinds.empty() && nearestAgent(processChain(static_cast<std::int32_t>(::getpid())))) kinds.clear();
+  return kinds;
+}
+
 }  // namespace
 
 ProtectionRules protectionRulesOf(const Environment& environment) {
@@ -80,7 +94,8 @@ Result<HostSnapshot> lookAtHost(const Environment& environment, const HostQuesti
   const ProtectionRules protections = protectionRulesOf(environment);
   // Only plans and what is told of protections need it, and those look at everything.
   const auto frontmost = question.detail == ListingDetail::everything ? frontmostApplication() : std::nullopt;
-  const SnapshotContext context{wallClockNow(), user, hostRules(), protections, frontmost};
+  const std::vector<AgentKind> outOfSight = agentsOutOfSight(environment);
+  const SnapshotContext context{wallClockNow(), user, hostRules(), protections, frontmost, outOfSight};
   HostSnapshot snapshot = snapshotOf(listing->processes, records, projects, context);
   snapshot.unownedListeners = listing->unownedListeners;
   return snapshot;

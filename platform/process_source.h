@@ -64,6 +64,9 @@ struct ListingQuestion {
 /// The TCP ports that somebody listens on now.
 [[nodiscard]] std::set<int> listeningPorts();
 
+/// Whether all processes of the machine are shown here; not in a container or sandbox with pids of its own.
+[[nodiscard]] bool showsWholeMachine();
+
 /// The kernel's id of this boot; empty when it tells none.
 [[nodiscard]] std::string bootId();
 

@@ -51,8 +51,9 @@ class MachineCase(ProcessCase):
         """Starts the machine with a script as its first process, and waits until that has come to its end, where it
         goes on sleeping. Pids that it writes down are those inside."""
         # Who ignores the end of children has none that wait for it; shells do not hand that down.
-        sleeper = "import signal; signal.signal(signal.SIGCHLD, signal.SIG_IGN); signal.sigwait([signal.SIGUSR1])"
-        end = f"touch {self.folder}/ready\nexec {sys.executable} -c '{sleeper}'"
+        sleeper = ("import signal; signal.signal(signal.SIGCHLD, signal.SIG_IGN); "
+                   f'open("{self.folder}/ready", "w").close(); signal.sigwait([signal.SIGUSR1])')
+        end = f"exec {sys.executable} -c '{sleeper}'"
         first = self.script("first", f"ip link set lo up\n{text}\n{end}")
         outer = subprocess.Popen(
             ["unshare", "--mount", "--net", "--pid", "--fork", "--mount-proc", "--kill-child", "/bin/sh", first],

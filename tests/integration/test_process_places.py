@@ -133,6 +133,27 @@ class Containers(MachineCase):
         left = self.document_inside("agents")["leftBehind"]
         self.assertEqual({each["pid"] for each in left}, {found["sleep 1001"], found["sleep 1002"]})
 
+    def test_in_a_sandbox_of_a_living_agent_nothing_is_left_behind(self):
+        """The agent itself is outside, where the reports in the sandbox do not see it."""
+        sandbox = self.script("sandbox.sh", f"""
+            sleep 1001 &
+            {self.program} ghosts > {self.folder}/ghosts 2>&1
+            {self.program} ghosts --stop --yes > {self.folder}/stopped 2>&1
+            touch {self.folder}/started
+            wait
+        """)
+        agent = self.script("agent.sh", f"""
+            export CLAUDECODE=1 CLAUDE_PID=$$ CLAUDE_CODE_SESSION_ID=some
+            echo 5000 > /proc/sys/kernel/ns_last_pid
+            unshare --pid --fork --mount-proc /bin/sh {sandbox} &
+            wait
+        """)
+        self.machine(f"{self.stand_in('claude')} {agent} &")
+        wait_until(lambda: (self.folder / "started").exists(), "the sandbox")
+        self.assertEqual((self.folder / "ghosts").read_text(), "Nothing was left behind.\n")
+        self.assertEqual((self.folder / "stopped").read_text(), "Nothing to stop.\n")
+        self.assertIn("sleep 1001", [each["commandLine"] for each in self.snapshot_inside().values()])
+
     def parent_name(self, pid):
         snapshot = self.snapshot_inside()
         return snapshot[snapshot[pid]["ppid"]]["name"]

@@ -67,6 +67,22 @@ TEST(ProcessOrigin, AnOwnersPidOfAnotherNamespaceSaysNothing) {
   EXPECT_EQ(origins.at(0).evidence, OriginEvidence::environment);
 }
 
+TEST(ProcessOrigin, OfAnAgentOutOfSightNothingIsLeftBehind) {
+  const auto originsOf = [](const Host& host) {
+    const std::vector<AgentKind> outOfSight{AgentKind::claudeCode};
+    return findOrigins({host.processes, host.records, kUser, SystemProcessRules::forLinux(), outOfSight});
+  };
+  const std::vector<NamedVariable> marks{
+      {"CLAUDECODE", "1"}, {"CLAUDE_PID", "400"}, {"CLAUDE_CODE_SESSION_ID", "gone"}};
+  EXPECT_TRUE(originsOf(Host().server(500, 1, 100, marks)).empty());
+  EXPECT_EQ(originsOf(Host().agent(400, 50).server(500, 1, 100, marks)).at(0).tie, OriginTie::owned);
+  // Agents of other kinds are seen, or are gone; and a record is of one that was seen.
+  EXPECT_EQ(originsOf(Host().server(500, 1, 100, {{"OPENCODE", "1"}})).at(0).tie, OriginTie::leftBehind);
+  Host recorded = Host().server(500, 1, 100, marks);
+  recorded.records = {{"b", 500, 100, 400, 50, "Claude Code"}};
+  EXPECT_EQ(originsOf(recorded).at(0).evidence, OriginEvidence::record);
+}
+
 TEST(ProcessOrigin, AnOwnerThatStartedLaterThanTheChildIsAnotherProcess) {
   const auto tie = [](std::int64_t ownerStart) {
     const auto origins = Host().agent(400, ownerStart).server(500, 1, 100, {{"CLAUDE_PID", "400"}}).origins();
