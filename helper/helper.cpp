@@ -17,7 +17,8 @@ std::shared_ptr<Helper> Helper::create(HelperSeams seams) {
 bool Helper::start() {
   seams_.queue.sync([this] {
     seams_.log.event("helper started, turning sleep back on");
-    (void)switchSleep(policy_.helperStarted(), RevertReason::helperStart);
+    const PmsetCommand command = policy_.helperStarted();
+    (void)seams_.sleepSwitch.run(command, RevertReason::helperStart);
   });
   timer_ = seams_.queue.repeat(LidSleepLimits::tickInterval, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->tick();
@@ -28,12 +29,9 @@ bool Helper::start() {
 void Helper::tick() {
   const Date now = seams_.now();
   if (const auto command = policy_.tick(now)) {
-    (void)switchSleep(*command, policy_.lastRevert.value_or(RevertReason::heartbeatLost));
-  } else if (owedRestore_) {
-    (void)switchSleep(PmsetCommand::restoreSleep, *owedRestore_);
+    (void)seams_.sleepSwitch.run(*command, policy_.lastRevert.value_or(RevertReason::heartbeatLost));
   }
-  const bool free = !policy_.sleepDisabled && !owedRestore_ && connections_.empty();
-  const bool idle = free && now - idleSince_ > kIdleExitDelay;
+  const bool idle = !policy_.sleepDisabled && connections_.empty() && now - idleSince_ > kIdleExitDelay;
   if (idle && !seams_.exit.callsPending()) {
     seams_.log.event("idle, exiting");
     seams_.exit.exitWhenIdle();
@@ -53,7 +51,7 @@ void Helper::connectionEnded(ConnectionId connection) {
 void Helper::end(ConnectionId connection) {
   if (connections_.erase(connection) == 0) return;
   idleSince_ = seams_.now();
-  if (const auto command = policy_.connectionLost()) (void)switchSleep(*command, RevertReason::connectionLost);
+  if (policy_.connectionLost()) restoreSleep(RevertReason::connectionLost);
 }
 
 void Helper::setSleepDisabled(SleepRequest request, std::function<void(SleepReply)> reply) {
@@ -76,7 +74,7 @@ void Helper::status(std::function<void(HelperStatus)> reply) {
 void Helper::terminate() {
   seams_.queue.sync([this] {
     seams_.log.event("SIGTERM, turning sleep back on");
-    (void)switchSleep(PmsetCommand::restoreSleep, RevertReason::uninstall);
+    restoreSleep(RevertReason::uninstall);
     // Still on the queue: a request that waits behind this must not switch sleep off again before the process is gone.
     seams_.exit.exitAfterTermination();
   });
@@ -95,7 +93,7 @@ SleepReply Helper::answer(const SleepRequest& request) {
 SleepReply Helper::carryOut(PmsetCommand command) {
   const bool disables = disablesSleep(command);
   const auto reason = disables ? std::nullopt : std::optional(RevertReason::turnedOff);
-  if (switchSleep(command, reason)) {
+  if (seams_.sleepSwitch.run(command, reason)) {
     return {.ok = true, .message = std::string(disables ? HelperReplyText::kSleepDisabled : HelperReplyText::kSleepOn)};
   }
   // A hold that never came about must not be reported, nor refuse the next request as a second one.
@@ -103,14 +101,9 @@ SleepReply Helper::carryOut(PmsetCommand command) {
   return {.ok = false, .message = HelperReplyText::failed(seams_.sleepSwitch.name())};
 }
 
-bool Helper::switchSleep(PmsetCommand command, std::optional<RevertReason> reason) {
-  const bool done = seams_.sleepSwitch.run(command, reason);
-  if (!disablesSleep(command)) {
-    owedRestore_ = done ? std::nullopt : reason;
-  } else if (done) {
-    owedRestore_.reset();  // sleep is off because somebody holds it off now
-  }
-  return done;
+void Helper::restoreSleep(RevertReason reason) {
+  // Nobody waits for the outcome: the switch has logged it, and the next start switches sleep back on anyway.
+  (void)seams_.sleepSwitch.run(PmsetCommand::restoreSleep, reason);
 }
 
 }  // namespace brindle

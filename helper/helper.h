@@ -44,9 +44,8 @@ class Helper : public std::enable_shared_from_this<Helper> {
   [[nodiscard]] static std::shared_ptr<Helper> create(HelperSeams seams);
 
   /// Switches sleep back on, whatever a previous instance left behind, and starts the timer that keeps the limits.
-  /// When it returns, sleep is on, so the service may take clients; a switch that fails then is run again by the timer,
-  /// as after every other revert. False when there is no timer: such a daemon must not serve, because it could leave
-  /// sleep off for ever.
+  /// When it returns, sleep is on, so the service may take clients. A switch that fails is only logged. False when
+  /// there is no timer: such a daemon must not serve, because it could leave sleep off for ever.
   [[nodiscard]] bool start();
 
   /// Counts a connection from now on. Returns when it is counted. Not from the queue.
@@ -71,16 +70,12 @@ class Helper : public std::enable_shared_from_this<Helper> {
   void end(ConnectionId connection);
   [[nodiscard]] SleepReply answer(const SleepRequest& request);
   [[nodiscard]] SleepReply carryOut(PmsetCommand command);
-  /// Runs the switch, and remembers a restore that it owes. A restore has a reason.
-  bool switchSleep(PmsetCommand command, std::optional<RevertReason> reason);
+  void restoreSleep(RevertReason reason);
 
   HelperSeams seams_;
   HelperRevertPolicy policy_;
   std::set<ConnectionId> connections_;
   Date idleSince_;
-  /// Why sleep should be on while the switch has failed to bring it back: the machine may have no process left for the
-  /// tool just now. The timer runs it again, and the daemon stays until it has succeeded.
-  std::optional<RevertReason> owedRestore_;
   std::unique_ptr<QueueTimer> timer_;
 };
 

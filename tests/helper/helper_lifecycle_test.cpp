@@ -182,19 +182,6 @@ TEST(HelperIdleExit, FollowsARevertInTheSameTick) {
   EXPECT_EQ(daemon.exit.idleExits, 1);
 }
 
-TEST(HelperIdleExit, WaitsUntilSleepIsReallyBackOn) {
-  TestDaemon daemon;
-  daemon.sleepSwitch.fails = true;
-  ASSERT_TRUE(daemon.helper->start());
-  daemon.tickAfter(1000);
-  EXPECT_EQ(daemon.exit.idleExits, 0) << "nobody would be left to switch sleep on";
-  daemon.sleepSwitch.fails = false;
-  daemon.tickAfter(5);
-  EXPECT_THAT(daemon.sleepSwitch.runs, ::testing::Each(restoreRun(RevertReason::helperStart)));
-  EXPECT_EQ(daemon.sleepSwitch.runs.size(), 3U);
-  EXPECT_EQ(daemon.exit.idleExits, 1);
-}
-
 TEST(HelperIdleExit, WaitsForCallsThatAreStillBeingAdmitted) {
   TestDaemon daemon;
   daemon.started();

@@ -32,7 +32,7 @@ class Model {
     mode_ = Mode::on;
     clients_.clear();
     freeSince_ = now;
-    return restore("helperStart");
+    return {"restoreSleep helperStart"};
   }
   Lines disable(std::int64_t milliseconds) {
     switch (mode_) {
@@ -46,16 +46,13 @@ class Model {
     }
     if (switchFails) return {"disableSleep request", "no scripted failed"};
     mode_ = Mode::held;
-    owed_.clear();
     beat_ = now;
     end_ = now + std::min<std::int64_t>(std::max<std::int64_t>(milliseconds, 60'000), 43'200'000);
     return {"disableSleep request", "yes Sleep disabled"};
   }
   Lines enable() {
     mode_ = Mode::on;
-    Lines lines = restore("turnedOff");
-    lines.emplace_back(switchFails ? "no scripted failed" : "yes Sleep on");
-    return lines;
+    return {"restoreSleep turnedOff", switchFails ? "no scripted failed" : "yes Sleep on"};
   }
   Lines beat() {
     if (mode_ == Mode::held) beat_ = now;
@@ -71,21 +68,18 @@ class Model {
     freeSince_ = now;
     if (mode_ != Mode::held) return {};
     mode_ = Mode::on;
-    return restore("connectionLost");
+    return {"restoreSleep connectionLost"};
   }
   Lines tick() {
     Lines lines;
     if (mode_ == Mode::held && now >= end_) {
       mode_ = Mode::refusing;
-      lines = restore("maxDuration");
+      lines.emplace_back("restoreSleep maxDuration");
     } else if (mode_ == Mode::held && now - beat_ > 90'000) {
       mode_ = Mode::on;
-      lines = restore("heartbeatLost");
-    } else if (!owed_.empty()) {
-      lines = restore(owed_);
+      lines.emplace_back("restoreSleep heartbeatLost");
     }
-    if (mode_ != Mode::held && owed_.empty() && clients_.empty() && now - freeSince_ > 120'000)
-      lines.emplace_back("exit");
+    if (mode_ != Mode::held && clients_.empty() && now - freeSince_ > 120'000) lines.emplace_back("exit");
     return lines;
   }
 
@@ -94,17 +88,11 @@ class Model {
 
  private:
   enum class Mode { on, held, refusing };
-  Lines restore(std::string reason) {
-    owed_ = switchFails ? reason : "";
-    return {"restoreSleep " + std::move(reason)};
-  }
   Mode mode_ = Mode::on;
   std::int64_t end_ = 0;
   std::int64_t beat_ = 0;
   std::int64_t freeSince_ = 0;
   std::set<std::uint64_t> clients_;
-  /// The reason of a restore that has failed and is run again at each tick.
-  std::string owed_;
 };
 
 /// The daemon, with everything it does as the same lines.

@@ -224,36 +224,6 @@ TEST(HelperTick, PrefersTheDeadlineWhenBothArePast) {
   EXPECT_THAT(daemon.sleepSwitch.runs, ElementsAre(kDisableRun, restoreRun(RevertReason::maxDuration)));
 }
 
-TEST(HelperTick, RunsARestoreThatFailedAgainUntilItSucceeds) {
-  TestDaemon daemon;
-  daemon.started();
-  daemon.accept(1);
-  daemon.set(true, 3600);
-  daemon.sleepSwitch.fails = true;
-  daemon.end(1);
-  daemon.sleepSwitch.runs.clear();
-  daemon.tickAfter(5);
-  EXPECT_THAT(daemon.sleepSwitch.runs, ElementsAre(restoreRun(RevertReason::connectionLost)));
-  daemon.sleepSwitch.fails = false;
-  daemon.tickAfter(5);
-  EXPECT_EQ(daemon.sleepSwitch.runs.size(), 2U);
-  daemon.tickAfter(5);
-  EXPECT_EQ(daemon.sleepSwitch.runs.size(), 2U) << "once it has succeeded there is nothing left to do";
-}
-
-TEST(HelperTick, LeavesANewHoldAloneAfterARestoreThatFailed) {
-  TestDaemon daemon;
-  daemon.started();
-  daemon.set(true, 3600);
-  daemon.sleepSwitch.fails = true;
-  ASSERT_THAT(daemon.set(false, 0), ElementsAre(no("scripted failed")));
-  daemon.sleepSwitch.fails = false;
-  ASSERT_THAT(daemon.set(true, 3600), ElementsAre(yes("Sleep disabled")));
-  daemon.sleepSwitch.runs.clear();
-  daemon.tickAfter(5);
-  EXPECT_THAT(daemon.sleepSwitch.runs, IsEmpty());
-}
-
 TEST(HelperTick, LetsTheNewStateStandWhenTheSwitchFails) {
   TestDaemon daemon;
   daemon.started();
