@@ -93,12 +93,16 @@ TEST(EnergyMath, MeasuresAgainstTheLargerOfReferenceAndFloor) {
 
 TEST(EnergyMath, LimitsThePercentage) {
   EXPECT_EQ(percent({.value = 300, .reference = 200, .floor = 100}), 100);
+  EXPECT_EQ(percent({.value = 201, .reference = 200, .floor = 100}), 100);
   EXPECT_EQ(percent({.value = 200, .reference = 200, .floor = 100}), 100);
+  EXPECT_EQ(percent({.value = 199, .reference = 200, .floor = 100}), 99.5);
+  EXPECT_EQ(percent({.value = 1, .reference = 200, .floor = 100}), 0.5);
   EXPECT_EQ(percent({.value = -5, .reference = 200, .floor = 100}), 0);
 }
 
 TEST(EnergyMath, AnswersAHundredForSomethingOfNothing) {
   EXPECT_EQ(percent({.value = 5, .reference = 0, .floor = 0}), 100);
+  EXPECT_EQ(percent({.value = 0.5, .reference = 0, .floor = 0}), 100);
   EXPECT_EQ(percent({.value = 5, .reference = -0.0, .floor = -0.0}), 100);
   EXPECT_EQ(percent({.value = -5, .reference = 0, .floor = 0}), 0);
 }

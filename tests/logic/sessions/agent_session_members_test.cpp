@@ -50,10 +50,10 @@ TEST(AgentSessionMembers, OfAnAgentBelowAnAgentThroughOthersAreInOneSession) {
 }
 
 TEST(AgentSessionMembers, OfEveryAgentBelowTheSameProcessAreInTheSessionAboveIt) {
-  EXPECT_THAT(rootsOf({agent({.pid = 500, .ppid = 1}), process({.pid = 510, .ppid = 500}),
-                       process({.pid = 511, .ppid = 510}), agent({.pid = 520, .ppid = 511}),
-                       agent({.pid = 530, .ppid = 511}), agent({.pid = 540, .ppid = 510})}),
-              ElementsAre(500));
+  EXPECT_THAT(
+      rootsOf({agent({.pid = 500, .ppid = 1}), process({.pid = 510, .ppid = 500}), process({.pid = 511, .ppid = 510}),
+               agent({.pid = 520, .ppid = 511}), agent({.pid = 530, .ppid = 511}), agent({.pid = 540, .ppid = 510})}),
+      ElementsAre(500));
 }
 
 TEST(AgentSessionMembers, CountAnyAgentAboveEvenOneThatIsNoRoot) {
