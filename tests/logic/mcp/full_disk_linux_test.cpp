@@ -4,6 +4,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "logic/mcp/mcp_heartbeat.h"
 #include "logic/mcp/mcp_quit_inbox.h"
 #include "logic/mcp/mcp_request_log.h"
+#include "logic/widget/widget_feed.h"
 #include "tests/base/store_support.h"
 #include "tests/base/temporary_folder.h"
 
@@ -113,6 +115,17 @@ TEST_F(StoresOnAFullDisk, HeartbeatKeepsTheLastStamp) {
     return !MCPHeartbeat::write(folder.path(), kNow + Seconds{5}) &&
            MCPHeartbeat::isFresh(folder.path(), kNow, Seconds{1}) &&
            !MCPHeartbeat::isFresh(folder.path(), kNow + Seconds{2}, Seconds{1});
+  });
+}
+
+TEST_F(StoresOnAFullDisk, WidgetFeedKeepsTheLastSnapshot) {
+  onTinyDisk([&] {
+    const WidgetSnapshot last{.takenAt = kNow, .ghosts = 2};
+    if (!WidgetFeed::write(folder.path(), last)) return false;
+    fillDisk();
+    const Outcome written = WidgetFeed::write(folder.path(), {.takenAt = kNow, .ghosts = 3});
+    return !written && written.error().code == ENOSPC && WidgetFeed::read(folder.path()) == last &&
+           folder.entries() == 2;  // the snapshot and the ballast
   });
 }
 
