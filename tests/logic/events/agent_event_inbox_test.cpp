@@ -117,6 +117,11 @@ TEST_F(AgentEventInboxStore, GarbageBetweenTwoEventsIsDropped) {
   EXPECT_FALSE(inbox.hasPending());
 }
 
+TEST_F(AgentEventInboxStore, OneByteIsPending) {
+  writeRaw(eventsFile(), "\n");
+  EXPECT_TRUE(inbox.hasPending());
+}
+
 TEST_F(AgentEventInboxStore, ALastLineWithoutLineFeedIsRead) {
   std::string line = agentEventLine(event("a"));
   line.pop_back();

@@ -70,6 +70,83 @@ TEST(SystemProcessRules, TellsSystemProcessesWhoeverOwnsThem) {
   EXPECT_FALSE(isSystemProcess(others));
 }
 
+TEST(SystemProcessRules, ForLinuxKnowTheSystemsOwnPrograms) {
+  const std::vector<std::string> names{"init",
+                                       "systemd",
+                                       "(sd-pam)",
+                                       "openrc-init",
+                                       "runit",
+                                       "s6-svscan",
+                                       "tini",
+                                       "dumb-init",
+                                       "docker-init",
+                                       "catatonit",
+                                       "dbus-daemon",
+                                       "dbus-launch",
+                                       "dbus-run-session",
+                                       "dbus-run-sessio",
+                                       "dbus-broker",
+                                       "dbus-broker-launch",
+                                       "dbus-broker-lau",
+                                       "Xorg",
+                                       "X",
+                                       "Xwayland",
+                                       "Xvfb",
+                                       "gdm-wayland-session",
+                                       "gdm-wayland-ses",
+                                       "gdm-x-session",
+                                       "sddm",
+                                       "lightdm",
+                                       "weston",
+                                       "gnome-shell",
+                                       "gnome-session",
+                                       "gnome-session-binary",
+                                       "gnome-session-b",
+                                       "gnome-session-ctl",
+                                       "gnome-session-c",
+                                       "mutter",
+                                       "plasmashell",
+                                       "plasma_session",
+                                       "ksmserver",
+                                       "kwin_x11",
+                                       "kwin_wayland",
+                                       "kwin_wayland_wrapper",
+                                       "kwin_wayland_wr",
+                                       "xfce4-session",
+                                       "xfce4-panel",
+                                       "xfwm4",
+                                       "xfdesktop",
+                                       "cinnamon",
+                                       "cinnamon-session",
+                                       "cinnamon-sessio",
+                                       "mate-session",
+                                       "mate-panel",
+                                       "marco",
+                                       "lxqt-session",
+                                       "lxqt-panel",
+                                       "openbox",
+                                       "i3",
+                                       "sway",
+                                       "Hyprland",
+                                       "labwc",
+                                       "wayfire",
+                                       "niri",
+                                       "pulseaudio",
+                                       "pipewire",
+                                       "pipewire-pulse",
+                                       "pipewire-media-session",
+                                       "pipewire-media-",
+                                       "wireplumber"};
+  const SystemProcessRules& rules = SystemProcessRules::forLinux();
+  EXPECT_EQ(rules.names.size(), names.size());
+  for (const std::string& name : names) {
+    EXPECT_FALSE(isUserProcess(named(name), kUser, rules)) << name;
+    if (name.size() > 15) {
+      EXPECT_FALSE(isUserProcess(named(name.substr(0, 15)), kUser, rules)) << name;  // as the kernel cuts it
+    }
+  }
+}
+
 TEST(SystemProcessRules, ForLinuxStartAtPidTwo) {
   EXPECT_TRUE(isSystemProcess(process({.pid = 1}), SystemProcessRules::forLinux()));
   EXPECT_FALSE(isSystemProcess(process({.pid = 2}), SystemProcessRules::forLinux()));
