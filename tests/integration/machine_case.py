@@ -8,6 +8,7 @@ import subprocess
 import sys
 import unittest
 
+from namespaces import can_unshare
 from process_case import BRINDLE, ProcessCase, wait_until
 
 NOBODY = 65534
@@ -21,7 +22,7 @@ def missing():
     absent = [program for program in NEEDED if shutil.which(program) is None]
     if absent:
         return "there is no " + ", ".join(absent)
-    if subprocess.run(["unshare", "--mount", "--net", "--pid", "--fork", "true"], capture_output=True).returncode != 0:
+    if not can_unshare("--mount", "--net", "--pid", "--fork"):
         return "no namespaces can be made"
     return None
 

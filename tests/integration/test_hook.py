@@ -9,6 +9,7 @@ import time
 import unittest
 
 from hook_case import NOBODY, STOP, HookCase, as_nobody
+from namespaces import can_unshare
 from watched_process import WAIT_SECONDS
 
 CODEX = ('{"type":"agent-turn-complete","thread-id":"b5f6c1c2-1111-2222-3333-444455556666","turn-id":"12345",'
@@ -179,7 +180,7 @@ class Silence(HookCase):
         self.assert_silent(self.hook(preexec_fn=as_nobody))
         self.assertEqual(list(self.state.iterdir()), [])
 
-    @unittest.skipUnless(os.geteuid() == 0, "needs the right to mount")
+    @unittest.skipUnless(can_unshare("--mount"), "needs the right to mount")
     def test_a_full_disk_loses_the_event_and_leaves_whole_lines(self):
         self.state.mkdir(mode=0o700)
         script = """mount --make-rprivate / && mount -t tmpfs -o size=8k,mode=0700 none "$1" || exit 77

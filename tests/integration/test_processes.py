@@ -8,6 +8,7 @@ import signal
 import subprocess
 import unittest
 
+from namespaces import can_unshare
 from process_case import BRINDLE, ProcessCase, free_port, is_listening, wait_until
 
 
@@ -142,7 +143,7 @@ class LeftBehind(ProcessCase):
 
 
 class Ghosts(ProcessCase):
-    @unittest.skipUnless(os.geteuid() == 0 and shutil.which("unshare"), "skipped: a machine of its own takes root and unshare")
+    @unittest.skipUnless(can_unshare("--pid", "--fork", "--mount-proc"), "skipped: a machine of its own takes root and namespaces")
     def test_stopping_ghosts_ends_what_was_left_behind_and_nothing_else(self):
         """In a process namespace of its own, since it stops everything that was left behind on the machine."""
         shutil.copy("/bin/bash", self.folder / "codex")

@@ -8,6 +8,7 @@ import tempfile
 import unittest
 
 from hook_case import STOP, HookCase
+from namespaces import can_unshare
 from watched_process import WAIT_SECONDS
 
 SETTINGS = """{
@@ -164,7 +165,7 @@ class Refusals(SetupCase):
             self.setup_agents(*words, status=2)
         self.assertEqual(self.tree(), before)
 
-    @unittest.skipUnless(os.geteuid() == 0, "needs the right to mount")
+    @unittest.skipUnless(can_unshare("--mount"), "needs the right to mount")
     def test_a_full_disk_leaves_the_settings_whole(self):
         script = """mount --make-rprivate / && mount -t tmpfs -o size=16k,mode=0700 none "$HOME/.claude" || exit 77
         cp "$HOME/original" "$HOME/.claude/settings.json"
