@@ -163,6 +163,8 @@ TEST_F(MCPQuitInboxStore, AddOnceRefusesOneMoreThanTheLimit) {
   const auto refused = inbox.addOnce(request("more", 1000));
   ASSERT_FALSE(refused);
   EXPECT_EQ(refused.error().code, EAGAIN);
+  EXPECT_TRUE(refused.error().message().starts_with("file a quit request while too many wait for an answer"))
+      << refused.error().message();
   EXPECT_EQ(inbox.pending().size(), MCPQuitInbox::kPendingLimit);
   ASSERT_TRUE(inbox.setStatus({.id = "id0", .status = "expired"}));
   EXPECT_TRUE(inbox.addOnce(request("more", 1000)));

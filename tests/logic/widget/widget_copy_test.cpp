@@ -105,6 +105,8 @@ TEST(WidgetCopy, TimeUntilChangesItsFormAtAnHourAndADay) {
               {3600, "1h 00m"},
               {3 * 3600 + 5 * 60, "3h 05m"},
               {23 * 3600 + 59 * 60, "23h 59m"},
+              {3600 + 9 * 60, "1h 09m"},
+              {3600 + 10 * 60, "1h 10m"},
               {24 * 3600, "1d 0h"},
               {2 * 86400 + 5 * 3600 + 59 * 60, "2d 5h"},
               {std::numeric_limits<double>::quiet_NaN(), "now"}};
