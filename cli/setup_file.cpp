@@ -82,7 +82,8 @@ struct Rights {
 /// Those of the file; of one that is missing, what suits the owner of the nearest folder that is there.
 Rights rightsFor(const std::string& file) {
   struct stat status {};
-  if (::stat(file.c_str(), &status) == 0) return {status.st_uid, status.st_gid, status.st_mode & 07777};
+  if (::stat(file.c_str(), &status) == 0)
+    return {status.st_uid, status.st_gid, static_cast<mode_t>(status.st_mode & 07777)};
   fs::path folder = fs::path(file).parent_path();
   while (::stat(folder.c_str(), &status) != 0 && folder.has_relative_path()) folder = folder.parent_path();
   return {status.st_uid, status.st_gid, 0600};

@@ -7,7 +7,7 @@
 namespace brindle {
 namespace {
 
-std::string nested(int depth) { return "a = " + std::string(depth, '[') + std::string(depth, ']'); }
+std::string nested(std::size_t depth) { return "a = " + std::string(depth, '[') + std::string(depth, ']'); }
 
 TEST(TomlTable, IsReadOrNone) {
   const auto table = parseToml("name = \"shop\"\n[package]\nversion = 2\n");
