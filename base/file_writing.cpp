@@ -1,10 +1,10 @@
 #include "base/file_writing.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstddef>
+
+#include "base/stream.h"
 
 namespace brindle {
 
@@ -22,13 +22,8 @@ tl::expected<off_t, int> regularFileSize(const Descriptor& file) {
 }
 
 int writeAll(const Descriptor& file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return errno;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return 0;
+  const Outcome written = writeAll(Stream{file.get(), "file"}, bytes);
+  return written ? 0 : written.error().code;
 }
 
 }  // namespace brindle
